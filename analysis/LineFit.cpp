@@ -1,0 +1,134 @@
+// The strip round the path and the least-squares line through what is left of it.
+// Tested by: tests/unit/analysis/LineFitTest.cpp
+#include <cmath>
+
+#include "analysis/PathLine.h"
+
+namespace width {
+
+namespace {
+
+// The two pixels farthest from a chain's chord, one on each side, and how far they are. The first
+// of several equal ones counts; a chain with nothing on a side has its head there, at 0.
+struct Extremes {
+    float fLargest = 0.0F;
+    float fSmallest = 0.0F;
+    std::size_t nLargest = 0;
+    std::size_t nSmallest = 0;
+};
+
+Extremes ExtremesOf(std::span<const PathPoint> chain) noexcept {
+    const PathLine chord(chain.front(), chain.back());
+    Extremes extremes;
+    for (std::size_t i = 0; i < chain.size(); ++i) {
+        const float fDistance = chord.Distance(chain[i].x, chain[i].y);
+        if (fDistance > extremes.fLargest) {
+            extremes.fLargest = fDistance;
+            extremes.nLargest = i;
+        }
+        if (fDistance < extremes.fSmallest) {
+            extremes.fSmallest = fDistance;
+            extremes.nSmallest = i;
+        }
+    }
+    return extremes;
+}
+
+// Single-precision sums of a fit of v on u, added pixel by pixel in list order: the rounding of
+// each step is part of the result.
+struct Sums {
+    float n = 0.0F;
+    float u = 0.0F;
+    float v = 0.0F;
+    float uu = 0.0F;
+    float uv = 0.0F;
+
+    void Add(std::int32_t nU, std::int32_t nV) noexcept {
+        n += 1.0F;
+        u += static_cast<float>(nU);
+        v += static_cast<float>(nV);
+        uu += static_cast<float>(WrapMul(nU, nU));
+        uv += static_cast<float>(WrapMul(nU, nV));
+    }
+    float SlopeDenominator() const noexcept { return u * u - n * uu; }
+    float Slope() const noexcept { return (v * u - uv * n) / SlopeDenominator(); }
+    float Intercept() const noexcept { return (v * uu - uv * u) / (n * uu - u * u); }
+};
+
+Sums SumsOf(std::span<const PathPoint> chain, bool bSteep) noexcept {
+    Sums sums;
+    for (const PathPoint& pt : chain) {
+        bSteep ? sums.Add(pt.y, pt.x) : sums.Add(pt.x, pt.y);
+    }
+    return sums;
+}
+
+// Moves the point (u, v) onto v = a * u + b along the perpendicular, both coordinates truncated.
+void MoveOntoLine(float a, float b, std::int32_t& u, std::int32_t& v) noexcept {
+    if (a == 0.0F) {
+        v = TruncateToInt32(b);
+        return;
+    }
+    const float m = -1.0F / a;
+    const float k = static_cast<float>(v) - static_cast<float>(u) * m;
+    u = TruncateToInt32((k - b) / (a - m));
+    v = TruncateToInt32(-((a * k - b * m) / (m - a)));
+}
+
+}  // namespace
+
+std::int32_t LineDetector::IsChordLongEnough(std::span<const PathPoint> chain) const noexcept {
+    if (chain.empty()) {
+        return 0;
+    }
+    const std::int32_t dx = WrapSub(chain.back().x, chain.front().x);
+    const std::int32_t dy = WrapSub(chain.back().y, chain.front().y);
+    const float fLength = std::sqrt(static_cast<float>(WrapAdd(WrapMul(dx, dx), WrapMul(dy, dy))));
+    return fLength >= static_cast<float>(m_conditions.g_nMinLineLength) ? 1 : 0;
+}
+
+std::int32_t LineDetector::TrimToStrip() {
+    std::span<const PathPoint> chain = m_Path;
+    for (;;) {
+        const Extremes extremes = ExtremesOf(chain);
+        if (IsChordLongEnough(chain) == 0) {
+            return 0;
+        }
+        const bool bFits = m_conditions.g_fRectWidth > std::fabs(extremes.fLargest - extremes.fSmallest);
+        const std::size_t nExtreme =
+            std::fabs(extremes.fLargest) > std::fabs(extremes.fSmallest) ? extremes.nLargest : extremes.nSmallest;
+        const bool bForward = chain[nExtreme].nIndex > 0;
+        const auto trimmed = bForward ? chain.first(nExtreme + 1) : chain.subspan(nExtreme);
+        // A chain on its chord has nothing to trim, however narrow the strip has to be: it is as
+        // straight as a chain can be, and that is a line.
+        if (bFits || trimmed.size() == chain.size()) {
+            FitLeastSquares(chain);
+            m_bFound = 1;
+            return 1;
+        }
+        chain = trimmed;
+    }
+}
+
+std::int32_t LineDetector::FitLeastSquares(std::span<const PathPoint> chain) noexcept {
+    m_ptFirst = chain.front();
+    m_ptLast = chain.back();
+    m_nFitAxis = FitAxis::YOnX;
+    Sums sums = SumsOf(chain, false);
+    if (sums.Slope() > 1.0F || sums.Slope() < -1.0F || sums.SlopeDenominator() == 0.0F) {
+        sums = SumsOf(chain, true);
+        m_nFitAxis = FitAxis::XOnY;
+    }
+    m_fSlope = sums.Slope();
+    m_fIntercept = sums.Intercept();
+    for (PathPoint* pt : {&m_ptFirst, &m_ptLast}) {
+        if (m_nFitAxis == FitAxis::YOnX) {
+            MoveOntoLine(m_fSlope, m_fIntercept, pt->x, pt->y);
+        } else {
+            MoveOntoLine(m_fSlope, m_fIntercept, pt->y, pt->x);
+        }
+    }
+    return 1;
+}
+
+}  // namespace width

@@ -1,0 +1,42 @@
+// The line through two path pixels, in the single-precision arithmetic of the search. Internal to
+// the analysis.
+#pragma once
+
+#include <cmath>
+
+#include "analysis/LineDetector.h"
+#include "core/Arithmetic.h"
+
+namespace width {
+
+/// The infinite line through two pixels. Coefficients are formed in 32-bit integers that wrap, then
+/// converted. Through one and the same pixel twice, every distance is not a number.
+class PathLine {
+public:
+    PathLine(const PathPoint& f, const PathPoint& e) noexcept
+        : m_a(static_cast<float>(WrapSub(f.y, e.y))),
+          m_b(static_cast<float>(WrapSub(e.x, f.x))),
+          m_c(static_cast<float>(WrapAdd(WrapMul(WrapSub(f.x, e.x), f.y), WrapMul(WrapSub(e.y, f.y), f.x)))),
+          m_length(std::sqrt(m_b * m_b + m_a * m_a)) {}
+
+    /// Signed distance of a pixel, in pixels.
+    float Distance(std::int32_t x, std::int32_t y) const noexcept {
+        return (static_cast<float>(y) * m_b + static_cast<float>(x) * m_a + m_c) / m_length;
+    }
+
+private:
+    float m_a;
+    float m_b;
+    float m_c;
+    float m_length;
+};
+
+/// Distance of two pixels: the squared y difference is a 32-bit integer that wraps, the squared x
+/// difference a float.
+inline float EdgeLength(const PathPoint& p, const PathPoint& q) noexcept {
+    const auto dx = static_cast<float>(WrapSub(q.x, p.x));
+    const std::int32_t dy = WrapSub(q.y, p.y);
+    return std::sqrt(dx * dx + static_cast<float>(WrapMul(dy, dy)));
+}
+
+}  // namespace width

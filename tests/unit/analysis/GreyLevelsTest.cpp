@@ -1,0 +1,77 @@
+#include "analysis/GreyLevels.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/LiteralThreshold.h"
+#include "tests/support/Pictures.h"
+
+namespace width {
+namespace {
+
+using test::DibBuilder;
+
+std::int32_t ThresholdOf(const std::vector<std::byte>& block) {
+    const auto dib = DibView::Open(block);
+    return CalcAutoThreshold(&*dib);
+}
+
+std::vector<std::byte> Plain(std::uint16_t nBits, std::int32_t nWidth, Colour colour) {
+    DibBuilder builder(nWidth, 1, nBits);
+    for (std::int32_t x = 0; x < nWidth; ++x) {
+        nBits > 8 ? builder.SetPixel(x, 0, colour) : builder.SetColour(0, colour);
+    }
+    return builder.Block();
+}
+
+TEST(GreyLevels, DoublesAndTruncationArePartOfTheLevel) {
+    EXPECT_EQ(ThresholdGrey({128, 128, 128}), 127);
+    EXPECT_EQ(ThresholdGrey({1, 1, 1}), 0);
+    EXPECT_EQ(ThresholdGrey({255, 255, 255}), 255);
+    EXPECT_EQ(ThresholdGrey({100, 100, 100}), 100);
+}
+
+TEST(AutoThreshold, EvenAndOddPlainPictures) {
+    for (const std::uint16_t nBits : std::array<std::uint16_t, 3>{8, 24, 32}) {
+        EXPECT_EQ(ThresholdOf(Plain(nBits, 6, {100, 100, 100})), 100) << nBits;
+        EXPECT_EQ(ThresholdOf(Plain(nBits, 7, {100, 100, 100})), 99) << nBits;
+    }
+}
+
+TEST(AutoThreshold, AnOverfullLevelZeroDependsOnTheDepth) {
+    EXPECT_EQ(ThresholdOf(Plain(8, 6, {0, 0, 0})), 0);
+    EXPECT_EQ(ThresholdOf(Plain(24, 6, {0, 0, 0})), 1);
+    EXPECT_EQ(ThresholdOf(Plain(32, 6, {0, 0, 0})), 1);
+    DibBuilder withOnes(4, 1, 24);
+    withOnes.SetPixel(3, 0, {2, 2, 2});  // level 1 or 2: 2.0 in doubles truncates to 2 or just below
+    const std::vector<std::byte> block = withOnes.Block();
+    EXPECT_EQ(ThresholdOf(block), test::LiteralThreshold(*DibView::Open(block)));
+}
+
+TEST(AutoThreshold, HalfBlackHalfWhiteGives254) {
+    DibBuilder builder(4, 2, 1);
+    builder.SetColour(1, {255, 255, 255}).SetIndex(0, 0, 1).SetIndex(1, 0, 1).SetIndex(0, 1, 1).SetIndex(3, 1, 1);
+    EXPECT_EQ(ThresholdOf(builder.Block()), 254);
+}
+
+TEST(AutoThreshold, WithoutReadablePixels) {
+    EXPECT_EQ(CalcAutoThreshold(nullptr), -1);
+    EXPECT_EQ(ThresholdOf(DibBuilder(5, 5, 16).Block()), 0);
+}
+
+TEST(AutoThreshold, EqualsTheLiteralWayOnRandomPictures) {
+    std::mt19937 random(41);
+    for (int i = 0; i < 400; ++i) {
+        const std::uint16_t nBits = std::array<std::uint16_t, 5>{1, 4, 8, 24, 32}[static_cast<std::size_t>(i) % 5];
+        const auto nWidth = 1 + test::Below(random, 70);
+        const auto texture = static_cast<test::Texture>(random() % 3);
+        std::vector<std::byte> block = test::RandomDib(random, nWidth, 1 + test::Below(random, 9), nBits, texture);
+        for (std::size_t n = 40; nBits == 24 && n < block.size(); ++n) {
+            block[n] = static_cast<std::byte>(random());  // any colour at all
+        }
+        const auto dib = DibView::Open(block);
+        EXPECT_EQ(CalcAutoThreshold(&*dib), test::LiteralThreshold(*dib)) << i << " bits " << nBits << " width " << nWidth;
+    }
+}
+
+}  // namespace
+}  // namespace width

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include "analysis/LineDetector.h"
+
+namespace width {
+namespace {
+
+using Chain = std::vector<PathPoint>;
+
+struct Fitted {
+    FitAxis axis;
+    float slope, intercept;
+    PathPoint first, last;
+};
+
+Fitted FitOf(const Chain& chain) {
+    LineDetector detector{LineConditions{}};
+    EXPECT_EQ(detector.FitLeastSquares(chain), 1);
+    return {detector.Axis(), detector.Slope(), detector.Intercept(), detector.First(), detector.Last()};
+}
+
+void ExpectPoint(const PathPoint& pt, std::int32_t x, std::int32_t y) {
+    EXPECT_TRUE(pt.x == x && pt.y == y) << pt.x << ',' << pt.y;
+}
+
+TEST(FitLeastSquares, FlatAndSteepChains) {
+    const Fitted flat = FitOf({{-1, 0, 0}, {0, 1, 0}, {1, 2, 1}, {2, 3, 1}});
+    EXPECT_EQ(flat.axis, FitAxis::YOnX);
+    EXPECT_FLOAT_EQ(flat.slope, 0.4F);
+    EXPECT_FLOAT_EQ(flat.intercept, -0.1F);
+    ExpectPoint(flat.first, 0, 0);
+    ExpectPoint(flat.last, 2, 1);
+    EXPECT_EQ(flat.first.nIndex, -1);
+    const Fitted steep = FitOf({{-2, 0, 0}, {-1, 0, 1}, {0, 1, 2}, {1, 1, 3}, {2, 1, 4}});
+    EXPECT_EQ(steep.axis, FitAxis::XOnY);
+    EXPECT_FLOAT_EQ(steep.slope, 0.3F);
+    EXPECT_NEAR(steep.intercept, 0.0F, 1e-6F);
+    ExpectPoint(steep.last, 1, 3);
+}
+
+TEST(FitLeastSquares, RowsColumnsAndTheDiagonal) {
+    const Fitted row = FitOf({{-1, 4, 7}, {0, 5, 7}, {1, 6, 7}});
+    EXPECT_EQ(row.axis, FitAxis::YOnX);
+    EXPECT_EQ(row.slope, 0.0F);
+    ExpectPoint(row.first, 4, 7);
+    ExpectPoint(row.last, 6, 7);
+    const Fitted column = FitOf({{-1, 3, 10}, {0, 3, 11}, {1, 3, 12}});
+    EXPECT_EQ(column.axis, FitAxis::XOnY);
+    ExpectPoint(column.first, 3, 10);
+    ExpectPoint(column.last, 3, 12);
+    EXPECT_EQ(FitOf({{-1, 0, 0}, {0, 1, 1}, {1, 2, 2}}).axis, FitAxis::YOnX) << "a slope of exactly 1 stays flat";
+}
+
+// The sums round in single precision, in list order: row 100 with 39 pixels comes out as 99.
+TEST(FitLeastSquares, SumsAreSinglePrecisionInListOrder) {
+    Chain chain;
+    for (std::int32_t i = 0; i < 39; ++i) {
+        chain.push_back({i - 20, i, 100});
+    }
+    const Fitted row = FitOf(chain);
+    EXPECT_EQ(row.first.y, 99);
+    EXPECT_LT(row.intercept, 100.0F);
+}
+
+TEST(FitLeastSquares, OnePixelTwiceDoesNotFail) {
+    EXPECT_EQ(FitOf({{0, 5, 5}, {1, 5, 5}}).axis, FitAxis::XOnY);
+}
+
+TEST(IsChainStraight, TwoPixelsOffTheChordStillPass) {
+    const auto bump = [](std::int32_t nHeight) { return Chain{{0, 0, 0}, {1, 5, nHeight}, {2, 10, 0}}; };
+    EXPECT_EQ(LineDetector::IsChainStraight(bump(2)), 1);
+    EXPECT_EQ(LineDetector::IsChainStraight(bump(-3)), 0);
+    EXPECT_EQ(LineDetector::IsChainStraight(Chain{{0, 0, 0}, {1, 10, 0}}), 0) << "two pixels are no line";
+}
+
+TEST(IsChordLongEnough, EqualPasses) {
+    LineConditions conditions;
+    conditions.g_nMinLineLength = 5;
+    const LineDetector detector{conditions};
+    EXPECT_EQ(detector.IsChordLongEnough(Chain{{0, 0, 0}, {1, 3, 4}}), 1);
+    EXPECT_EQ(detector.IsChordLongEnough(Chain{{0, 0, 0}, {1, 3, 3}}), 0);
+    EXPECT_EQ(detector.IsChordLongEnough({}), 0);
+    EXPECT_EQ(detector.IsEdgeLongEnough({0, 0, 0}, {1, 4, 3}), 1);
+}
+
+}  // namespace
+}  // namespace width
