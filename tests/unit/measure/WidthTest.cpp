@@ -1,0 +1,101 @@
+#include "measure/Width.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace width {
+namespace {
+
+PickedEnds Ends(std::array<std::int32_t, 8> v) {
+    return {{{v[0], v[1]}, {v[2], v[3]}, {v[4], v[5]}, {v[6], v[7]}}};
+}
+
+void ExpectFeet(Feet feet, POINT pt1, POINT pt2) {
+    EXPECT_TRUE(feet.pt1.x == pt1.x && feet.pt1.y == pt1.y && feet.pt2.x == pt2.x && feet.pt2.y == pt2.y)
+        << feet.pt1.x << ',' << feet.pt1.y << ' ' << feet.pt2.x << ',' << feet.pt2.y;
+}
+
+PickedEnds WithSecondLineAt(double degrees) {
+    const auto dx = static_cast<std::int32_t>(std::lround(100000 * std::cos(degrees * M_PI / 180)));
+    const auto dy = static_cast<std::int32_t>(std::lround(100000 * std::sin(degrees * M_PI / 180)));
+    return Ends({0, 0, 10000, 0, 0, 50, dx / 10, 50 + dy / 10});
+}
+
+TEST(IsPairParallel, AcceptsUpToTheToleranceInEitherDirection) {
+    EXPECT_EQ(IsPairParallel(WithSecondLineAt(4.9)), 1);
+    EXPECT_EQ(IsPairParallel(WithSecondLineAt(-4.9)), 1);
+    EXPECT_EQ(IsPairParallel(WithSecondLineAt(175.1)), 1) << "picked the other way round";
+    EXPECT_EQ(IsPairParallel(WithSecondLineAt(5.1)), 0);
+    EXPECT_EQ(IsPairParallel(WithSecondLineAt(90)), 0);
+    EXPECT_EQ(IsPairParallel(Ends({0, 0, 100, 0, 7, 40, 7, 40})), 0) << "a line without length";
+}
+
+TEST(PairWidth, IsTheMeanOfTheMiddlesDistances) {
+    EXPECT_EQ(PairWidth(Ends({10, 0, 10, 50, 30, 90, 30, 20})), 20.0F);
+    EXPECT_EQ(PairWidth(Ends({0, 10, 50, 10, 90, 35, 20, 35})), 25.0F);
+    EXPECT_EQ(PairWidth(Ends({0, 0, 30, 40, 0, 0, 30, 40})), 0.0F);
+    EXPECT_FLOAT_EQ(PairWidth(Ends({0, 0, 40, 30, 0, 50, 40, 80})), 40.0F);
+    // One vertical line, one slanted: each distance takes its own case.
+    EXPECT_FLOAT_EQ(PairWidth(Ends({0, 0, 0, 100, 20, 0, 22, 100})), (21.0F + 2100.0F / std::sqrt(4.0F + 10000.0F)) * 0.5F);
+}
+
+TEST(ComputeFeet, LieOnTheCommonNormal) {
+    ExpectFeet(ComputeFeet({60, 50}, Ends({0, 0, 100, 50, 0, 40, 100, 90})), {68, 34}, {52, 66});
+}
+
+TEST(ComputeFeet, VerticalPairsAreFoundInBothDirections) {
+    ExpectFeet(ComputeFeet({15, 33}, Ends({10, 0, 10, 100, 31, 0, 31, 100})), {10, 33}, {31, 33});
+    ExpectFeet(ComputeFeet({15, 33}, Ends({10, 0, 10, 100, 31, 100, 31, 0})), {10, 33}, {31, 33});
+}
+
+TEST(ComputeFeet, NearlyHorizontalIsHorizontal) {
+    ExpectFeet(ComputeFeet({40, 20}, Ends({0, 10, 2000, 11, 0, 50, 2000, 51})), {40, 10}, {40, 50});
+    // Nearly vertical lines leaning to both sides have a mean sine near 0 and take this case too.
+    ExpectFeet(ComputeFeet({25, 60}, Ends({10, 0, 11, 100, 40, 0, 39, 100})), {25, 50}, {25, 50});
+}
+
+TEST(ComputeFeet, NeverFailsOnDegenerateLines) {
+    const Feet feet = ComputeFeet({5, 5}, Ends({1, 1, 1, 1, 2, 2, 2, 2}));
+    EXPECT_EQ(feet.pt1.x, std::numeric_limits<std::int32_t>::min()) << "not a number becomes the conversion's own value";
+}
+
+TEST(CommitLabel, StoresImagePointsAndDropsUndoneLabels) {
+    LabelList labels;
+    const ViewGeometry geometry{200, 200, 0, 0, 400, 400, 1, 2};
+    const PickedEnds ends = Ends({10, 10, 10, 50, 30, 10, 30, 51});
+    for (int i = 0; i < 3; ++i) {
+        CommitLabel({20, 20 + i}, ends, geometry, labels);
+    }
+    EXPECT_EQ(labels.m_nCurLabel, 3);
+    EXPECT_EQ(labels.m_Labels.size(), 6U);
+    EXPECT_EQ(labels.m_Labels[0].ptA.x, 20);
+    EXPECT_EQ(labels.m_Labels[0].ptA.y, 58) << "one client pixel above the middle, then scaled";
+    EXPECT_EQ(labels.m_Labels[1].ptB.x, 60);
+    EXPECT_EQ(labels.m_Labels[1].ptB.y, 40);
+    labels.Undo();
+    labels.Undo();
+    EXPECT_TRUE(labels.CanRedo());
+    labels.Redo();
+    CommitLabel({20, 90}, ends, geometry, labels);
+    EXPECT_EQ(labels.m_nCurLabel, 3);
+    EXPECT_EQ(labels.m_Labels.size(), 6U);
+    EXPECT_EQ(labels.m_Labels[5].ptA.y, 180);
+    EXPECT_FALSE(labels.CanRedo());
+}
+
+TEST(FormatLabelText, TellsPixelsOrCentimetres) {
+    EXPECT_EQ(FormatLabelText(1, {100, 100}, {130, 140}, {}), "1#: 50");
+    EXPECT_EQ(FormatLabelText(1, {130, 140}, {100, 100}, {500, 500}), "1#: 10.0000cm");
+    EXPECT_EQ(FormatLabelText(12, {0, 0}, {1, 1}, {}), "12#: 1") << "truncated";
+    EXPECT_EQ(FormatLabelText(2, {0, 0}, {30, 40}, {300, 400}), "2#: 14.1421cm") << "each axis has its own resolution";
+    EXPECT_EQ(FormatLabelText(3, {5, 5}, {5, 5}, {}), "3#: 0");
+}
+
+TEST(FormatLabelText, AResolutionOnOneAxisIsNone) {
+    EXPECT_EQ(FormatLabelText(1, {0, 0}, {30, 40}, {500, 0}), "1#: 50");
+    EXPECT_EQ(FormatLabelText(1, {0, 0}, {30, 40}, {0, 500}), "1#: 50");
+}
+
+}  // namespace
+}  // namespace width
