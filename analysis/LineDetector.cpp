@@ -67,7 +67,7 @@ std::int32_t LineDetector::PruneToHull(std::span<const PathPoint> path, std::vec
 }
 
 std::int32_t LineDetector::IsEdgeLongEnough(const PathPoint& p, const PathPoint& q) const noexcept {
-    return EdgeLength(p, q) >= static_cast<float>(m_conditions.g_nMinLineLength) ? 1 : 0;
+    return EdgeLength(p, q) >= static_cast<float>(m_conditions.nMinLineLength) ? 1 : 0;
 }
 
 std::int32_t LineDetector::IsSeedNearEdge(const PathPoint& p, const PathPoint& q) const noexcept {
@@ -109,7 +109,7 @@ std::int32_t LineDetector::AcceptEdge(std::int32_t p, std::int32_t q) noexcept {
 }
 
 std::int32_t LineDetector::GiveUpOnHull() {
-    return m_conditions.g_bRectAlgorithm != 0 ? TrimToStrip() : 0;
+    return m_conditions.bRectAlgorithm != 0 ? TrimToStrip() : 0;
 }
 
 std::int32_t LineDetector::SearchLine() {

@@ -98,7 +98,7 @@ public:
     /// through its head and tail.
     static std::int32_t IsChainStraight(std::span<const PathPoint> stretch) noexcept;
 
-    /// Shortens the path from its ends until it lies in a strip narrower than g_fRectWidth, then
+    /// Shortens the path from its ends until it lies in a strip narrower than fRectWidth, then
     /// fits a line. Returns as SearchLine.
     std::int32_t TrimToStrip();
 

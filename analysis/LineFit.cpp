@@ -84,7 +84,7 @@ std::int32_t LineDetector::IsChordLongEnough(std::span<const PathPoint> chain) c
     const std::int32_t dx = WrapSub(chain.back().x, chain.front().x);
     const std::int32_t dy = WrapSub(chain.back().y, chain.front().y);
     const float fLength = std::sqrt(static_cast<float>(WrapAdd(WrapMul(dx, dx), WrapMul(dy, dy))));
-    return fLength >= static_cast<float>(m_conditions.g_nMinLineLength) ? 1 : 0;
+    return fLength >= static_cast<float>(m_conditions.nMinLineLength) ? 1 : 0;
 }
 
 std::int32_t LineDetector::TrimToStrip() {
@@ -94,7 +94,7 @@ std::int32_t LineDetector::TrimToStrip() {
         if (IsChordLongEnough(chain) == 0) {
             return 0;
         }
-        const bool bFits = m_conditions.g_fRectWidth > std::fabs(extremes.fLargest - extremes.fSmallest);
+        const bool bFits = m_conditions.fRectWidth > std::fabs(extremes.fLargest - extremes.fSmallest);
         const std::size_t nExtreme =
             std::fabs(extremes.fLargest) > std::fabs(extremes.fSmallest) ? extremes.nLargest : extremes.nSmallest;
         const bool bForward = chain[nExtreme].nIndex > 0;

@@ -17,8 +17,8 @@ using test::DrawnMap;
 
 LineConditions Conditions(std::int32_t nMinLength, bool bRect = true) {
     LineConditions conditions;
-    conditions.g_nMinLineLength = nMinLength;
-    conditions.g_bRectAlgorithm = bRect ? 1 : 0;
+    conditions.nMinLineLength = nMinLength;
+    conditions.bRectAlgorithm = bRect ? 1 : 0;
     return conditions;
 }
 
@@ -346,7 +346,7 @@ TEST(SearchLine, EndsOnEveryClickOfRandomClusters) {
             }
         }
         LineConditions conditions = Conditions(test::Below(random, 8), random() % 2 == 0);
-        conditions.g_fRectWidth = static_cast<float>(random() % 4);
+        conditions.fRectWidth = static_cast<float>(random() % 4);
         nFound += LineAt(map, test::Below(random, 40), test::Below(random, 40), conditions) == kNone ? 0 : 1;
     }
     EXPECT_GT(nFound, 100);

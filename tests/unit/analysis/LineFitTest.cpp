@@ -75,7 +75,7 @@ TEST(IsChainStraight, TwoPixelsOffTheChordStillPass) {
 
 TEST(IsChordLongEnough, EqualPasses) {
     LineConditions conditions;
-    conditions.g_nMinLineLength = 5;
+    conditions.nMinLineLength = 5;
     const LineDetector detector{conditions};
     EXPECT_EQ(detector.IsChordLongEnough(Chain{{0, 0, 0}, {1, 3, 4}}), 1);
     EXPECT_EQ(detector.IsChordLongEnough(Chain{{0, 0, 0}, {1, 3, 3}}), 0);

@@ -60,7 +60,7 @@ TEST(DetectLine, NothingFoundChangesNothing) {
     const SkeletonMap before = map;
     LineStore store;
     LineConditions conditions;
-    conditions.g_nMinLineLength = 200;
+    conditions.nMinLineLength = 200;
     EXPECT_FALSE(DetectLine(map, {30, 19}, conditions, store).bStored);
     EXPECT_FALSE(DetectLine(map, {30, 5}, LineConditions{}, store).bStored);
     EXPECT_EQ(map, before);
@@ -79,7 +79,7 @@ TEST(DetectLine, MarksAgreeWithTheStoreOnNoisyPictures) {
         const SkeletonMap before = map;
         LineStore store;
         LineConditions conditions;
-        conditions.g_nMinLineLength = 4 + test::Below(random, 20);
+        conditions.nMinLineLength = 4 + test::Below(random, 20);
         std::set<std::pair<std::int32_t, std::int32_t>> marked;
         for (int nClick = 0; nClick < 60; ++nClick) {
             const Detection detection = DetectLine(map, {test::Below(random, 120), test::Below(random, 90)}, conditions, store);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/Expand.h"
 #include "core/TrueColour.h"
 #include "tests/support/Pictures.h"
 
@@ -129,9 +130,13 @@ TEST(TrueColour, HasTheColoursOfEveryPixelAndTheResolution) {
         const DibView dib = *DibView::Open(block);
         std::vector<std::byte> colour = ToTrueColour(dib);
         const DibView expanded = *DibView::Open(colour);
+        std::vector<std::uint32_t> words(13 * 7);
+        ExpandToWords(dib, words.data());
         for (std::int32_t s = 0; s < 7; ++s) {
             for (std::int32_t x = 0; x < 13; ++x) {
-                ASSERT_EQ(expanded.PixelAt(x, s), dib.PixelAt(x, s)) << nBits;
+                const Colour pixel = dib.PixelAt(x, s);
+                ASSERT_EQ(expanded.PixelAt(x, s), pixel) << nBits;
+                ASSERT_EQ(words[static_cast<std::size_t>(13 * s + x)], pixel.red * 65536U + pixel.green * 256U + pixel.blue) << nBits;
                 ASSERT_EQ(TrueColourPixel(colour, dib.Figures(), x, 6 - s)[2], std::byte{dib.PixelAt(x, s).red});
             }
         }
