@@ -16,14 +16,6 @@ if(WIDTH_SANITIZE)
     add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
-# Everything that a fuzz target reaches tells the fuzzer where it has been; a target itself is linked
-# with -fsanitize=fuzzer.
-if(WIDTH_FUZZ)
-    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow -fno-sanitize-recover=all
-        -fno-omit-frame-pointer)
-    add_link_options(-fsanitize=address,undefined)
-endif()
-
 # The libraries get the coverage hooks that steer the fuzzing; the targets in fuzz/ bring its main function.
 if(WIDTH_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow -fno-sanitize-recover=all

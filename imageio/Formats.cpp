@@ -4,8 +4,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 namespace width {
 
@@ -83,6 +85,19 @@ bool HasGreyTable(const DibView& view, bool bInverted) noexcept {
         }
     }
     return true;
+}
+
+std::uint32_t EntriesInUse(const DibView& view) {
+    const std::uint32_t nAll = 1U << view.BitCount();
+    const std::uint32_t nEntries = std::min(view.Figures().nPalEntries, nAll);
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(view.Width()));
+    for (std::uint32_t y = 0; nEntries < nAll && y < static_cast<std::uint32_t>(view.Height()); ++y) {
+        CopyIndexRow(view, y, row.data());
+        if (*std::max_element(row.begin(), row.end()) >= nEntries) {
+            return nAll;
+        }
+    }
+    return nEntries;
 }
 
 }  // namespace width

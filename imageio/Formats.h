@@ -85,4 +85,9 @@ void SwapRedAndBlue(std::uint8_t* pRow, std::uint32_t nWidth) noexcept;
 /// or in descending order when inverted.
 bool HasGreyTable(const DibView& view, bool bInverted) noexcept;
 
+/// The entries of the colour table to write: those of the block, or all of its depth when a pixel lies beyond them, which
+/// some formats forbid.
+/// view  of 1, 4 or 8 bits per pixel
+std::uint32_t EntriesInUse(const DibView& view);
+
 }  // namespace width

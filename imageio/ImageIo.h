@@ -1,5 +1,5 @@
-// Picture files to packed bitmaps and back: one interface, one source per format, each over a
-// well-kept library.
+// Picture files to packed bitmaps and back: one interface, over well-kept libraries on
+// Linux, one for each format, and over the system's imaging component on Windows.
 //
 // Depth is kept where a packed bitmap can hold it: 1, 4 and 8 bits with the file's own colour table
 // in its own order, 24 bits otherwise, 32 bits for a bitmap file that has them. Two-bit pictures
@@ -9,6 +9,10 @@
 // to the nearest pixel per metre; a file without one, and one whose resolution has no unit, gives 0.
 // A bitmap file with a 40-byte header, uncompressed and bottom-up, becomes the block as it stands,
 // header values, colour table and all.
+//
+// The Windows source goes as far as the system's imaging component: it reads no TIFF pictures of more
+// than 4 GiB (BigTIFF), saves a resolution only when both axes have one and into JPEG in whole dots per
+// inch, and a GIF picture may come back with a larger table than it was saved with.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #pragma once
 

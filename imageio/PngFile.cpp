@@ -236,21 +236,6 @@ private:
     std::uint32_t m_nTableEntries = 0;
 };
 
-// The entries to write: those of the block, or all of its depth when a pixel lies beyond them,
-// because the format forbids such pixels.
-std::uint32_t EntriesInUse(const DibView& view) {
-    const std::uint32_t nAll = 1U << view.BitCount();
-    const std::uint32_t nEntries = std::min(view.Figures().nPalEntries, nAll);
-    std::vector<std::uint8_t> row(static_cast<std::size_t>(view.Width()));
-    for (std::uint32_t y = 0; nEntries < nAll && y < static_cast<std::uint32_t>(view.Height()); ++y) {
-        CopyIndexRow(view, y, row.data());
-        if (*std::max_element(row.begin(), row.end()) >= nEntries) {
-            return nAll;
-        }
-    }
-    return nEntries;
-}
-
 int PngWriter::ColourType() const noexcept {
     if (m_view.BitCount() > 8) {
         return PNG_COLOR_TYPE_RGB;

@@ -136,7 +136,8 @@ TEST(TrueColour, HasTheColoursOfEveryPixelAndTheResolution) {
             for (std::int32_t x = 0; x < 13; ++x) {
                 const Colour pixel = dib.PixelAt(x, s);
                 ASSERT_EQ(expanded.PixelAt(x, s), pixel) << nBits;
-                ASSERT_EQ(words[static_cast<std::size_t>(13 * s + x)], pixel.red * 65536U + pixel.green * 256U + pixel.blue) << nBits;
+                ASSERT_EQ(words[static_cast<std::size_t>(13 * s + x)], pixel.red * 65536U + pixel.green * 256U + pixel.blue)
+                    << nBits;
                 ASSERT_EQ(TrueColourPixel(colour, dib.Figures(), x, 6 - s)[2], std::byte{dib.PixelAt(x, s).red});
             }
         }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 
 namespace width {
 namespace {
@@ -17,8 +18,8 @@ void ExpectFeet(Feet feet, POINT pt1, POINT pt2) {
 }
 
 PickedEnds WithSecondLineAt(double degrees) {
-    const auto dx = static_cast<std::int32_t>(std::lround(100000 * std::cos(degrees * M_PI / 180)));
-    const auto dy = static_cast<std::int32_t>(std::lround(100000 * std::sin(degrees * M_PI / 180)));
+    const auto dx = static_cast<std::int32_t>(std::lround(100000 * std::cos(degrees * std::numbers::pi / 180)));
+    const auto dy = static_cast<std::int32_t>(std::lround(100000 * std::sin(degrees * std::numbers::pi / 180)));
     return Ends({0, 0, 10000, 0, 0, 50, dx / 10, 50 + dy / 10});
 }
 

@@ -1,0 +1,152 @@
+// The status bar over the system's control. Tested by: tests/win/ClasslibTest.cpp.
+#include "classlib/StatusBar.h"
+
+#include <algorithm>
+
+#include "classlib/Thread.h"
+
+namespace {
+
+constexpr int kPaneBorder = 6;  // what a pane is wider than its text
+
+/// One pane's text and look.
+class CStatusCmdUI : public CCmdUI {
+public:
+    CStatusCmdUI(UINT nID, CStatusBar& bar, std::size_t nIndex) : CCmdUI(nID), m_bar(bar), m_nIndex(nIndex) {}
+    void SetText(LPCWSTR lpszText) override { m_bar.SetPaneText(m_nIndex, lpszText); }
+    void SetCheck(int nCheck) override { SetStyle(SBPS_POPOUT, nCheck != 0); }
+
+protected:
+    void DoEnable(bool bOn) override { SetStyle(SBPS_DISABLED, !bOn); }
+
+private:
+    void SetStyle(UINT nBit, bool bOn) {
+        const UINT nOld = m_bar.GetPaneStyle(m_nIndex);
+        m_bar.SetPaneStyle(m_nIndex, bOn ? nOld | nBit : nOld & ~nBit);
+    }
+
+    CStatusBar& m_bar;
+    std::size_t m_nIndex;
+};
+
+}  // namespace
+
+bool CStatusBar::Create(CWnd* pParentWnd, DWORD dwStyle, UINT nID) {
+    const bool bGrip = (dwStyle & CBRS_ALIGN_BOTTOM) != 0 && (pParentWnd->GetStyle() & WS_THICKFRAME) != 0;
+    return CreateControl(pParentWnd, STATUSCLASSNAMEW, bGrip ? SBARS_SIZEGRIP : 0, dwStyle, nID);
+}
+
+bool CStatusBar::SetIndicators(std::span<const UINT> ids) {
+    if (m_hWnd == nullptr) {
+        return false;
+    }
+    m_panes.clear();
+    for (const UINT nID : ids) {
+        std::wstring text = nID != 0 ? AfxLoadString(nID) : std::wstring();
+        const bool bFirst = m_panes.empty();
+        m_panes.push_back({nID, bFirst ? SBPS_STRETCH | SBPS_NOBORDERS : SBPS_NORMAL, TextWidth(text), std::move(text)});
+    }
+    LayOutPanes();
+    return true;
+}
+
+int CStatusBar::TextWidth(const std::wstring& text) const {
+    const CClientDC dc(this);
+    const CSelectGuard font(dc, reinterpret_cast<HFONT>(::SendMessageW(m_hWnd, WM_GETFONT, 0, 0)));
+    return dc.GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx;
+}
+
+void CStatusBar::SetPaneInfo(std::size_t nIndex, UINT nID, UINT nStyle, int cxWidth) {
+    if (nIndex < m_panes.size()) {
+        m_panes[nIndex].nID = nID;
+        m_panes[nIndex].nStyle = nStyle;
+        m_panes[nIndex].cxText = cxWidth;
+        LayOutPanes();
+    }
+}
+
+bool CStatusBar::SetPaneText(std::size_t nIndex, LPCWSTR lpszText) {
+    if (nIndex >= m_panes.size()) {
+        return false;
+    }
+    if (m_panes[nIndex].text != lpszText) {
+        m_panes[nIndex].text = lpszText;
+        ShowText(nIndex);
+    }
+    return true;
+}
+
+void CStatusBar::SetPaneStyle(std::size_t nIndex, UINT nStyle) {
+    if (nIndex < m_panes.size() && m_panes[nIndex].nStyle != nStyle) {
+        m_panes[nIndex].nStyle = nStyle;
+        ShowText(nIndex);
+    }
+}
+
+void CStatusBar::ShowText(std::size_t nIndex) {
+    const Pane& pane = m_panes[nIndex];
+    const WPARAM nLook = (pane.nStyle & SBPS_POPOUT) != 0 ? SBT_POPOUT : (pane.nStyle & SBPS_NOBORDERS) != 0 ? SBT_NOBORDERS : 0;
+    const wchar_t* const pText = (pane.nStyle & SBPS_DISABLED) != 0 ? L"" : pane.text.c_str();
+    SendMessage(SB_SETTEXTW, nIndex | nLook, reinterpret_cast<LPARAM>(pText));
+}
+
+// Every pane gets its text's width and a border; what the bar is wider goes to the panes that stretch.
+void CStatusBar::LayOutPanes() {
+    if (m_hWnd == nullptr || m_panes.empty()) {
+        return;
+    }
+    int borders[3]{};  // horizontal, vertical, between panes
+    SendMessage(SB_GETBORDERS, 0, reinterpret_cast<LPARAM>(borders));
+    int cxSpare = static_cast<int>(GetClientRect().right) - borders[0] + borders[2];
+    if ((GetStyle() & SBARS_SIZEGRIP) != 0) {
+        cxSpare -= ::GetSystemMetrics(SM_CXVSCROLL);
+    }
+    int nStretching = 0;
+    for (const Pane& pane : m_panes) {
+        cxSpare -= pane.cxText + kPaneBorder + borders[2];
+        nStretching += (pane.nStyle & SBPS_STRETCH) != 0 ? 1 : 0;
+    }
+    cxSpare = std::max(cxSpare, 0);
+    std::vector<int> edges;
+    int nRight = borders[0];
+    for (const Pane& pane : m_panes) {
+        nRight += pane.cxText + kPaneBorder;
+        if ((pane.nStyle & SBPS_STRETCH) != 0) {
+            nRight += cxSpare / nStretching;
+        }
+        edges.push_back(nRight);
+        nRight += borders[2];
+    }
+    SendMessage(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
+    for (std::size_t i = 0; i < m_panes.size(); ++i) {
+        ShowText(i);
+    }
+}
+
+int CStatusBar::CalcFixedHeight() const {
+    if (m_hWnd == nullptr) {
+        return 0;
+    }
+    const CClientDC dc(this);
+    const CSelectGuard font(dc, reinterpret_cast<HFONT>(::SendMessageW(m_hWnd, WM_GETFONT, 0, 0)));
+    TEXTMETRICW metrics{};
+    ::GetTextMetricsW(dc, &metrics);
+    return static_cast<int>(metrics.tmHeight) + 7;  // a line of text, the panes' borders and the gap above them
+}
+
+void CStatusBar::OnUpdateCmdUI(CCmdTarget& target, bool) {
+    for (std::size_t i = 0; i < m_panes.size(); ++i) {
+        CStatusCmdUI state(m_panes[i].nID, *this, i);
+        state.DoUpdate(target, false);  // a pane that nobody knows keeps its text
+    }
+}
+
+bool CStatusBar::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) {
+    static constexpr MsgEntry kTable[] = {Msg<WM_SIZE, &CStatusBar::OnSize>()};
+    return Dispatch(kTable, message, wParam, lParam, lResult) || CControlBar::OnWndMsg(message, wParam, lParam, lResult);
+}
+
+void CStatusBar::OnSize(UINT, int, int) {
+    Default();
+    LayOutPanes();
+}

@@ -1,0 +1,31 @@
+// CToolBar: a flat tool bar of small pictures, one for each command. Tested by: tests/win/ClasslibTest.cpp.
+#pragma once
+
+#include "classlib/ControlBar.h"
+
+constexpr WORD RT_TOOLBAR_RESOURCE = 241;  ///< the resource type of tool bar descriptions
+
+class CToolBar : public CControlBar {
+public:
+    /// dwCtrlStyle TBSTYLE_FLAT and the like; dwStyle window style and CBRS_ style, CBRS_TOOLTIPS for tips, which the
+    /// frame is asked for with TTN_NEEDTEXTA or TTN_NEEDTEXTW. The bar is empty at first.
+    bool CreateEx(CWnd* pParentWnd, DWORD dwCtrlStyle = TBSTYLE_FLAT, DWORD dwStyle = WS_CHILD | WS_VISIBLE | CBRS_TOP,
+                  UINT nID = AFX_IDW_TOOLBAR);
+    /// Fills the bar from two resources of AfxGetResourceHandle(), both named nIDResource. The description, type 241,
+    /// is words: 1, picture width, picture height, count, then one command id for each button, 0 for a separator. The
+    /// bitmap holds the pictures side by side, separators left out; its colour 192, 192, 192 becomes the bar's own.
+    /// False if one is missing or too short; the bar then stays as it was.
+    bool LoadToolBar(UINT nIDResource);
+
+    int CalcFixedHeight() const override;
+    void OnUpdateCmdUI(CCmdTarget& target, bool bDisableIfNoHandler) override;
+
+protected:
+    bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) override;
+
+private:
+    bool OnEraseBkgnd(CDC* pDC);
+    void AddButtons(std::span<const WORD> ids);
+
+    CBitmap m_bmpImages;  // the control goes on using it
+};

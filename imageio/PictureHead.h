@@ -1,0 +1,29 @@
+// What a file says of its picture beside the pixels, for a platform whose library does not tell it: a resolution that
+// the file really has, and whether the file is whole.
+//
+// The readers take a file's bytes, whatever they are, and never look beyond them. What is missing or makes no sense
+// counts as not there.
+// Tested by: tests/unit/imageio/PictureHeadTest.cpp
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace width {
+
+struct PictureHead {
+    std::int32_t nXPelsPerMeter = 0;  ///< pixels per metre, rounded; 0: not known
+    std::int32_t nYPelsPerMeter = 0;
+    bool bWhole = true;           ///< PNG, JPEG: the picture's end mark is there
+    bool bGrey = false;           ///< PNG: grey levels, with or without alpha
+    bool bAlpha = true;           ///< PNG: an alpha channel; a colour that is only named as hidden does not count
+    std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file
+    std::uint16_t nTurned = 1;    ///< TIFF: where the first row and column lie, 1..8 as the format counts; 1: top left
+};
+
+PictureHead ReadPngHead(std::span<const std::byte> file) noexcept;
+PictureHead ReadJpegHead(std::span<const std::byte> file) noexcept;
+PictureHead ReadTiffHead(std::span<const std::byte> file) noexcept;
+
+}  // namespace width

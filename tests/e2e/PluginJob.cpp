@@ -1,0 +1,120 @@
+#include "tests/e2e/PluginJob.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "res/resource.h"
+
+namespace width::test {
+
+PluginJob::PluginJob(WORD nLangId) {
+    m_hPlugin = ::LoadLibraryW(PLUGIN_PATH);
+    const auto pfnInit = reinterpret_cast<pi_init_fn>(reinterpret_cast<void*>(::GetProcAddress(m_hPlugin, PI_INIT_NAME)));
+    pfnInit(&m_table, nLangId);
+}
+
+PluginJob::~PluginJob() {
+    if (m_hFrame != nullptr) {
+        Close();
+    }
+    ::FreeLibrary(m_hPlugin);
+}
+
+void PluginJob::Callback(void* pCookie, int32_t nCode, void* pParam, void* /*pUnused*/) {
+    auto& job = *static_cast<PluginJob*>(pCookie);
+    if (job.m_pfnOnEvent != nullptr) {
+        job.m_pfnOnEvent(job, nCode);
+    }
+    const std::lock_guard lock(job.m_mutex);
+    job.m_events.push_back({nCode, pParam, ::GetCurrentThreadId()});
+}
+
+void PluginJob::StartOnly(const std::vector<std::byte>& block) {
+    void* pDib = malloc(block.size());
+    std::memcpy(pDib, block.data(), block.size());
+    m_table.pfnStart(pDib, nullptr, Callback, this);
+}
+
+HWND PluginJob::Start(const std::vector<std::byte>& block) {
+    StartOnly(block);
+    m_hFrame = WaitForWindow(0);
+    if (m_hFrame != nullptr) {
+        m_hThread = ::OpenThread(SYNCHRONIZE, FALSE, ::GetWindowThreadProcessId(m_hFrame, nullptr));
+        WaitFor([&] { return ::IsZoomed(m_hFrame) != FALSE; });
+    }
+    return m_hFrame;
+}
+
+bool PluginJob::Close() {
+    ::PostMessageW(m_hFrame, WM_CLOSE, 0, 0);
+    return WaitForEnd();
+}
+
+bool PluginJob::WaitForEnd() {
+    const bool bEnded = WaitForThread(m_hThread);
+    ::CloseHandle(m_hThread);
+    m_hThread = nullptr;
+    m_hFrame = nullptr;
+    const auto events = Events();
+    return bEnded && !events.empty() && events.back().nCode == PI_CODE_END;
+}
+
+HWND PluginJob::View() const {
+    return ::GetDlgItem(m_hFrame, 59648);
+}
+HWND PluginJob::ToolBar() const {
+    return ::GetDlgItem(m_hFrame, 59392);
+}
+
+std::vector<HostEvent> PluginJob::Events() {
+    const std::lock_guard lock(m_mutex);
+    return m_events;
+}
+
+std::wstring PluginJob::Pane(int nPane) const {
+    const HWND hBar = ::GetDlgItem(m_hFrame, 59393);
+    wchar_t text[300] = {};
+    ::SendMessageW(hBar, SB_GETTEXTW, static_cast<WPARAM>(nPane), reinterpret_cast<LPARAM>(text));
+    return text;
+}
+
+bool PluginJob::WaitForPane(int nPane, const std::wstring& text) const {
+    return WaitFor([&] { return Pane(nPane) == text; });
+}
+
+UINT PluginJob::MenuState(UINT nId) const {
+    const HMENU hMenu = ::GetMenu(m_hFrame);
+    for (int i = 0; i < ::GetMenuItemCount(hMenu); ++i) {
+        const HMENU hPopup = ::GetSubMenu(hMenu, i);
+        if (::GetMenuState(hPopup, nId, MF_BYCOMMAND) != UINT_MAX) {
+            ::SendMessageW(m_hFrame, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hPopup), i);
+            return ::GetMenuState(hPopup, nId, MF_BYCOMMAND);
+        }
+    }
+    return UINT_MAX;
+}
+
+bool PluginJob::IsEnabled(UINT nId) const {
+    const UINT nState = MenuState(nId);
+    return nState != UINT_MAX ? (nState & (MF_GRAYED | MF_DISABLED)) == 0
+                              : ::SendMessageW(ToolBar(), TB_ISBUTTONENABLED, nId, 0) != 0;
+}
+
+bool PluginJob::IsMarked(UINT nId) const {
+    const UINT nState = MenuState(nId);
+    return nState != UINT_MAX ? (nState & MF_CHECKED) != 0 : ::SendMessageW(ToolBar(), TB_ISBUTTONCHECKED, nId, 0) != 0;
+}
+
+void PluginJob::Command(UINT nId) const {
+    Send(m_hFrame, WM_COMMAND, nId);
+}
+
+// A message that is sent to another thread is dealt with inside its wait for a posted one, so only a posted one behind
+// it brings the thread to its idle time.
+void PluginJob::Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) const {
+    ::SendMessageW(hWnd, message, wParam, lParam);
+    ::PostMessageW(m_hFrame, WM_NULL, 0, 0);
+}
+
+}  // namespace width::test

@@ -1,0 +1,84 @@
+// What a file says beside its pixels: units, byte orders, end marks, and heads that lead nowhere.
+#include "imageio/PictureHead.h"
+
+#include "tests/unit/imageio/Blocks.h"
+
+namespace width {
+namespace {
+
+using Head = PictureHead (*)(std::span<const std::byte>) noexcept;
+
+Bytes Text(const std::string& text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+Bytes Jpeg(int nUnit, const Bytes& scan) {
+    const Bytes jfif = Text("JFIF") + BytesOf({0, 1, 1, nUnit, 0, 100, 1, 44, 0, 0});
+    return BytesOf({0xff, 0xd8, 0xff, 0xff, 0xe1, 0, 4, 0xff, 0xd9, 0xff, 0xe0, 0, 16}) + jfif + BytesOf({0xff, 0xda}) + scan;
+}
+
+TEST(PictureHead, JpegDensityHasAUnitAndScansHaveAnEnd) {
+    const Bytes scan = BytesOf({0, 3, 0, 1, 2, 0xff, 0, 3, 0xff, 0xd9});
+    EXPECT_EQ(ReadJpegHead(Jpeg(1, scan)).nXPelsPerMeter, 3937);
+    EXPECT_EQ(ReadJpegHead(Jpeg(1, scan)).nYPelsPerMeter, 11811);
+    EXPECT_EQ(ReadJpegHead(Jpeg(2, scan)).nXPelsPerMeter, 10000);
+    EXPECT_EQ(ReadJpegHead(Jpeg(0, scan)).nXPelsPerMeter, 0);
+    EXPECT_TRUE(ReadJpegHead(Jpeg(1, scan)).bWhole);
+    EXPECT_FALSE(ReadJpegHead(Jpeg(1, {scan.begin(), scan.end() - 1})).bWhole);
+}
+
+TEST(PictureHead, PngChunksTellUnitKindAndEnd) {
+    const auto chunk = [](const std::string& name, const Bytes& content) {
+        return BytesOf({0, 0, 0, static_cast<int>(content.size())}) + Text(name) + content + BytesOf({0, 0, 0, 0});
+    };
+    const auto png = [&](int nColourType, int nUnit) {
+        return BytesOf({0x89, 'P', 'N', 'G', 13, 10, 26, 10}) +
+               chunk("IHDR", BytesOf({0, 0, 0, 1, 0, 0, 0, 1, 8, nColourType, 0, 0, 0})) +
+               chunk("pHYs", BytesOf({0, 0, 0x2e, 0x23, 0, 0, 0, 7, nUnit})) + chunk("IEND", {});
+    };
+    EXPECT_EQ(ReadPngHead(png(2, 1)).nXPelsPerMeter, 11811);
+    EXPECT_EQ(ReadPngHead(png(2, 1)).nYPelsPerMeter, 7);
+    EXPECT_EQ(ReadPngHead(png(2, 0)).nXPelsPerMeter, 0);
+    EXPECT_TRUE(ReadPngHead(png(0, 1)).bGrey && ReadPngHead(png(4, 1)).bGrey);
+    EXPECT_FALSE(ReadPngHead(png(2, 1)).bGrey || ReadPngHead(png(3, 1)).bGrey || ReadPngHead(png(6, 1)).bGrey);
+    EXPECT_TRUE(ReadPngHead(png(4, 1)).bAlpha && ReadPngHead(png(6, 1)).bAlpha);
+    EXPECT_FALSE(ReadPngHead(png(2, 1)).bAlpha);
+    EXPECT_TRUE(ReadPngHead(png(2, 1)).bWhole);
+    Bytes cut = png(2, 1);
+    cut.resize(40);
+    EXPECT_FALSE(ReadPngHead(cut).bWhole);
+}
+
+TEST(PictureHead, TiffFieldsOfEitherByteOrder) {
+    const Bytes little = BytesOf({'I', 'I', 42, 0, 8, 0, 0, 0, 3, 0}) + BytesOf({0x12, 1, 3, 0, 1, 0, 0, 0, 4, 0, 0, 0}) +
+                         BytesOf({0x1a, 1, 5, 0, 1, 0, 0, 0, 46, 0, 0, 0}) + BytesOf({0x28, 1, 3, 0, 1, 0, 0, 0, 3, 0, 0, 0}) +
+                         BytesOf({0xe8, 3, 0, 0, 2, 0, 0, 0});
+    EXPECT_EQ(ReadTiffHead(little).nTurned, 4);
+    EXPECT_EQ(ReadTiffHead(little).nXPelsPerMeter, 50000);
+    EXPECT_EQ(ReadTiffHead(little).nYPelsPerMeter, 0);
+    const Bytes big = BytesOf({'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1}) + BytesOf({1, 0x1b, 0, 5, 0, 0, 0, 1, 0, 0, 0, 22}) +
+                      BytesOf({0, 0, 0, 72, 0, 0, 0, 1});
+    EXPECT_EQ(ReadTiffHead(big).nYPelsPerMeter, 2835);
+    EXPECT_EQ(ReadTiffHead(Bytes(big.begin(), big.end() - 3)).nYPelsPerMeter, 0);
+}
+
+TEST(PictureHead, NoBytesLeadBeyondTheFileOrInCircles) {
+    std::mt19937 random(7);
+    for (const auto& entry : fs::directory_iterator(fs::path(WIDTH_TEST_DATA) / "pictures")) {
+        const Bytes whole = ReadAll(entry.path());
+        for (const Head head : {ReadPngHead, ReadJpegHead, ReadTiffHead}) {
+            for (std::size_t n = 0; n < 400; ++n) {
+                Bytes damaged(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(random() % (whole.size() + 1)));
+                for (std::size_t k = 0; k < n % 4 && !damaged.empty(); ++k) {
+                    damaged[random() % std::min<std::size_t>(damaged.size(), 200)] = std::byte(random() % 256);
+                }
+                EXPECT_GE(head(damaged).nXPelsPerMeter, 0);
+                EXPECT_LE(head(damaged).nTurned, 8);
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace width

@@ -1,0 +1,63 @@
+// Commands whose full dialogue is not part of this version: they do what can be done without it and say so.
+// Tested by: tests/e2e/PluginTest.cpp
+#include <string>
+
+#include "analysis/GreyLevels.h"
+#include "classlib/Thread.h"
+#include "module/ModuleState.h"
+#include "view/PibView_win.h"
+
+namespace width {
+
+namespace {
+
+void Tell(LPCWSTR lpszEnglish, LPCWSTR lpszChinese) {
+    AfxMessageBox(g_bChinese != 0 ? lpszChinese : lpszEnglish, MB_OK | MB_ICONINFORMATION);
+}
+
+}  // namespace
+
+// The darker half of the picture becomes the foreground; lines of the old skeleton go with it.
+void CPibView::OnBinarySetting() {
+    if (!HasImage()) {
+        return;
+    }
+    m_greyWindow = {0, CalcAutoThreshold(&*m_dib)};
+    m_bSkeletonReady = 0;
+    m_lineStore.m_Lines.clear();
+    InvalidateView();
+    const std::wstring limit = std::to_wstring(m_greyWindow.nMaxGrey);
+    Tell((L"The grey window is set to the darker half of the image: 0 to " + limit + L".").c_str(),
+         (L"灰度范围已设为图像较暗的一半：0 到 " + limit + L"。").c_str());
+}
+
+void CPibView::OnWriteToBitmap() {
+    Tell(L"Overlays stay beside the bitmap in this version.", L"此版本尚不能将标注写入位图。");
+}
+
+void CPibView::OnSave() {
+    Tell(L"This version does not save files. Send the image to the main application.",
+         L"此版本尚不能保存文件，请将图像发送到主程序。");
+}
+
+void CPibView::OnSaveAs() {
+    OnSave();
+}
+
+void CPibView::OnPrint() {
+    Tell(L"This version does not print. Send the image to the main application.", L"此版本尚不能打印，请将图像发送到主程序。");
+}
+
+void CPibView::OnPrintPreview() {
+    OnPrint();
+}
+
+void CPibView::OnLabelSetting() {
+    Tell(L"Labels keep their standard pattern in this version.", L"此版本使用标准标注样式。");
+}
+
+void CPibView::OnLineSetting() {
+    Tell(L"Line conditions keep their standard values in this version.", L"此版本使用标准直线条件。");
+}
+
+}  // namespace width

@@ -1,0 +1,121 @@
+// CPibView: the view of a job, and the one object that holds its state.
+//
+// It is a member of the frame and lives as long. It owns the bitmap from OnSetDib on, the skeleton, the lines and
+// the labels; nothing else shows, measures or changes the picture. Fields carry the job's state as plain values;
+// handlers gather what a portable function needs, call it, store what comes back, and invalidate.
+// Files: PibView_win.cpp life and state, PibViewPaint_win.cpp, PibViewTools_win.cpp mouse, zoom and cursors,
+// PibViewCommands_win.cpp the command table. Tested by: tests/e2e/PluginTest.cpp
+#pragma once
+
+#include <optional>
+
+#include "analysis/LineStore.h"
+#include "analysis/Skeleton.h"
+#include "classlib/ScrollView.h"
+#include "core/PackedDib.h"
+#include "core/ViewGeometry.h"
+#include "measure/Composition_win.h"
+#include "measure/Picking.h"
+#include "view/Zoom.h"
+
+namespace width {
+
+/// Frame to view: a bitmap arrives. Word parameter: the block.
+constexpr UINT WM_PIB_SETDIB = 32868;
+
+/// Bit of m_nFlags: the image has changes that are not saved.
+constexpr std::uint32_t kImageChanged = 0x10000000;
+
+class CPibView : public CScrollView {
+public:
+    /// Loads the tools' cursors if no view before has.
+    CPibView();
+    ~CPibView() override;
+
+    std::span<const CmdEntry> Commands() const override;
+    void OnInitialUpdate() override;
+    void OnDraw(CDC* pDC) override;
+
+    /// Where client points lie on the image now. Without an image the image is 0 x 0.
+    ViewGeometry Geometry() const;
+
+    /// Where the zoomed image lies, content coordinates; empty without an image.
+    RECT GetImageRect() const { return width::GetImageRect(Geometry()); }
+
+    // The state of the job. Everybody may read it; it is written by the view's handlers only.
+    char m_szFilePath[260] = {};  ///< where the image was last saved; empty until then
+    std::int32_t m_nZoomNum = 1;
+    std::int32_t m_nZoomDen = 1;
+    std::uint32_t m_nFlags = 0;  ///< kImageChanged
+    COLORREF m_clrLabel = 0x00FF0000;
+    COLORREF m_clrSkeleton = 0x0000FF00;
+    COLORREF m_clrLine = 0x000000FF;
+    LineStore m_lineStore;  ///< detected lines and the next id
+    LabelList m_labelList;  ///< labels and how many are in force
+    LinePairPicker m_picker;
+    GreyWindow m_greyWindow;            ///< 0..0 until the user has chosen one
+    std::int32_t m_bSkeletonReady = 0;  ///< the skeleton belongs to the grey window
+    std::optional<SkeletonMap> m_skeleton;
+
+protected:
+    bool PreCreateWindow(CREATESTRUCTW& cs) override;
+    void PostNcDestroy() override {}  // a member of the frame
+    bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) override;
+
+private:
+    class CHandTracker;
+
+    LRESULT OnSetDib(WPARAM wParam, LPARAM lParam);
+    bool OnEraseBkgnd(CDC* pDC);
+    void OnLButtonDown(UINT nFlags, POINT point);
+    void OnRButtonDown(UINT nFlags, POINT point);
+    bool OnSetCursor(HWND hWnd, UINT nHitTest, UINT message);
+
+    void OnTrack();
+    void OnZoomTool();
+    void OnLineDetect();
+    void OnWidthLabel();
+    void OnBestFit();
+    void OnActualSize();
+    void OnSendImage();
+    void OnSkeletonize();
+    void OnWriteToBitmap();
+    void OnEditUndo();
+    void OnEditRedo();
+    void OnSave();
+    void OnSaveAs();
+    void OnPrint();
+    void OnPrintPreview();
+    void OnBinarySetting();
+    void OnLabelSetting();
+    void OnLineSetting();
+    void OnUpdateTrack(CCmdUI* pCmdUI);
+    void OnUpdateZoomTool(CCmdUI* pCmdUI);
+    void OnUpdateLineDetect(CCmdUI* pCmdUI);
+    void OnUpdateWidthLabel(CCmdUI* pCmdUI);
+    void OnUpdateActualSize(CCmdUI* pCmdUI);
+    void OnUpdateNeedsImage(CCmdUI* pCmdUI);
+    void OnUpdateSkeletonize(CCmdUI* pCmdUI);
+    void OnUpdateEditUndo(CCmdUI* pCmdUI);
+    void OnUpdateEditRedo(CCmdUI* pCmdUI);
+    void OnUpdateSave(CCmdUI* pCmdUI);
+    void OnUpdateStatusPane(CCmdUI* pCmdUI);
+
+    bool HasImage() const { return m_dib.has_value(); }
+    Overlays CurrentOverlays() const;
+    bool PaintVisiblePart(CDC& dc, const RECT& rcImage) const;
+    void UpdateScrollSizes();
+    void InvalidateView();
+    void SetZoom(std::int32_t nNum, std::int32_t nDen);
+    void StepZoom(std::optional<Zoom> zoom);
+    void Pan(POINT point);
+    void ChooseTool(int nMode, CCmdUI* pCmdUI) const;
+    static LineConditions CurrentConditions();
+
+    void* m_pDib = nullptr;        // the image, from malloc, owned
+    std::optional<DibView> m_dib;  // set exactly while m_pDib is
+    CComposition m_composition;
+    CFont m_font;  // of the labels: Times New Roman, 10 points
+};
+
+}  // namespace width
