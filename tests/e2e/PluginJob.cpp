@@ -30,14 +30,22 @@ void PluginJob::Callback(void* pCookie, int32_t nCode, void* pParam, void* /*pUn
     job.m_events.push_back({nCode, pParam, ::GetCurrentThreadId()});
 }
 
-void PluginJob::StartOnly(const std::vector<std::byte>& block) {
+static void* Allocated(const std::vector<std::byte>& block) {
     void* pDib = malloc(block.size());
     std::memcpy(pDib, block.data(), block.size());
-    m_table.pfnStart(pDib, nullptr, Callback, this);
+    return pDib;
+}
+
+void PluginJob::StartOnly(const std::vector<std::byte>& block) {
+    m_table.pfnStart(Allocated(block), nullptr, Callback, this);
 }
 
 HWND PluginJob::Start(const std::vector<std::byte>& block) {
-    StartOnly(block);
+    return StartWith(Allocated(block));
+}
+
+HWND PluginJob::StartWith(void* pDib) {
+    m_table.pfnStart(pDib, nullptr, Callback, this);
     m_hFrame = WaitForWindow(0);
     if (m_hFrame != nullptr) {
         m_hThread = ::OpenThread(SYNCHRONIZE, FALSE, ::GetWindowThreadProcessId(m_hFrame, nullptr));

@@ -32,6 +32,8 @@ public:
     HWND Start(const std::vector<std::byte>& block);
     /// The same without waiting.
     void StartOnly(const std::vector<std::byte>& block);
+    /// The same with a block from malloc, which goes to the plug-in; waits for the frame.
+    HWND StartWith(void* pDib);
     /// Closes the frame, waits for code 4 and for the thread to end. True if all of it came.
     bool Close();
     bool WaitForEnd();

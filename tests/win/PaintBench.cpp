@@ -1,0 +1,174 @@
+// What a frame costs: paint_bench [WIDTH HEIGHT]. Prints, for a job with skeleton and lines on a large picture, the time
+// of a full repaint of the maximised window at every zoom, of a frame after a change of overlays, and, beside them in
+// the same run, of one paint as if nothing were kept: a private copy, a cleared scratch area, a bitmap of the picture's
+// size, a system call for every skeleton cell, one stretch. Then the time from pi_start to the first painted frame
+// beside that of an empty job and of one copy of the block.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "analysis/GreyLevels.h"
+#include "analysis/Skeleton.h"
+#include "res/resource.h"
+#include "tests/e2e/PluginJob.h"
+#include "tests/support/Pictures.h"
+#include "view/BaseDib_win.h"
+
+namespace width {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double MillisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Best of several runs.
+template <class Work>
+double Best(int nRuns, Work work) {
+    double best = 1e9;
+    for (int i = 0; i < nRuns; ++i) {
+        const auto start = Clock::now();
+        work();
+        best = std::min(best, MillisecondsSince(start));
+    }
+    return best;
+}
+
+// Line art: dark bars five pixels thick, one in seven rows of bars inside.
+std::vector<std::byte> LineArt(std::int32_t nWidth, std::int32_t nHeight) {
+    test::DibBuilder builder(nWidth, nHeight, 8);
+    std::vector<std::byte> block = builder.GreyTable().Block();
+    const std::size_t nStride = DibStride(8, static_cast<std::uint32_t>(nWidth));
+    for (std::int32_t s = 0; s < nHeight; ++s) {
+        std::memset(block.data() + 40 + 1024 + nStride * static_cast<std::size_t>(s), s % 35 < 5 ? 10 : 240, nStride);
+    }
+    return block;
+}
+
+void Repaint(HWND hView) {
+    ::RedrawWindow(hView, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    ::GdiFlush();
+}
+
+double PaintThatKeepsNothing(const std::vector<std::byte>& block, const SkeletonMap& skeleton) {
+    void* pDib = malloc(block.size());
+    std::memcpy(pDib, block.data(), block.size());
+    const HDC hdcScreen = ::GetDC(nullptr);
+    const double ms = Best(1, [&] {
+        CBaseDib dib;
+        dib.Attach(pDib);
+        CDC dc;
+        dc.CreateCompatibleDC(hdcScreen);
+        CBitmap bitmap;
+        bitmap.CreateCompatibleBitmap(hdcScreen, dib.m_nWidth, dib.m_nHeight);
+        const CSelectGuard selected(dc, bitmap);
+        dib.Draw(dc);
+        for (std::int32_t s = 0; s < dib.m_nHeight; ++s) {
+            for (std::int32_t x = 0; x < dib.m_nWidth; ++x) {
+                if (skeleton.At({s + 2, x + 2}) != 0) {
+                    dc.SetPixel(x, dib.m_nHeight - 1 - s, RGB(0, 255, 0));
+                }
+            }
+        }
+        ::SetStretchBltMode(hdcScreen, COLORONCOLOR);
+        ::StretchBlt(hdcScreen, 0, 0, 1000, 700, dc, 0, 0, dib.m_nWidth, dib.m_nHeight, SRCCOPY);
+        ::GdiFlush();
+    });
+    ::ReleaseDC(nullptr, hdcScreen);
+    free(pDib);
+    return ms;
+}
+
+void AnswerNextBox() {
+    const HWND hBox = test::WaitForWindow(0, L"#32770");
+    test::PostCommand(hBox, IDOK);
+    test::WaitFor([&] { return ::IsWindow(hBox) == FALSE; });
+}
+
+void TimeFrames(const std::vector<std::byte>& block) {
+    test::PluginJob job(0x0409);
+    job.Start(block);
+    test::WaitFor([&] { return !job.Pane(1).empty(); });
+    const double bare = Best(20, [&] { Repaint(job.View()); });
+    std::printf("frame at 1/1 without overlays, straight from the block: %.2f ms\n", bare);
+    ::PostMessageW(job.Frame(), WM_COMMAND, ID_BINARY_SETTING, 0);
+    AnswerNextBox();
+    job.Command(ID_SKELETONIZE);
+    const auto first = Clock::now();
+    Repaint(job.View());
+    std::printf("first frame with overlays, fresh memory: %.1f ms\n", MillisecondsSince(first));
+    job.Command(ID_TOOL_LINE_DETECT);
+    for (int i = 0; i < 40; ++i) {
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(500, 40 + 15 * i));
+    }
+    Repaint(job.View());
+    const double change = Best(5, [&] {
+        job.Command(ID_TOOL_LINE_DETECT);  // every command throws the composition away
+        Repaint(job.View());
+    });
+    std::printf("frame after a change of overlays: %.1f ms\n", change);
+    job.Command(ID_TOOL_ZOOM);
+    while (job.Pane(2) != L"Zoom: 5%") {
+        const std::wstring before = job.Pane(2);
+        job.Send(job.View(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(9, 9));
+        test::WaitFor([&] { return job.Pane(2) != before; });
+    }
+    double worst = 0;
+    std::printf("kept frame at each zoom, ms:");
+    for (std::wstring pane;;) {
+        pane = job.Pane(2);
+        Repaint(job.View());
+        const double ms = Best(10, [&] { Repaint(job.View()); });
+        worst = std::max(worst, ms);
+        std::printf(" %ls %.2f", pane.substr(6).c_str(), ms);
+        if (pane == L"Zoom: 1600%")
+            break;
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(9, 9));
+        test::WaitFor([&] { return job.Pane(2) != pane; });
+    }
+    std::printf("\nworst kept frame: %.2f ms\n", worst);
+}
+
+// From pi_start to a frame whose view has nothing left to paint. Making the block and ending the job are not counted.
+double TimeToFirstFrame(const std::vector<std::byte>& block) {
+    double best = 1e9;
+    for (int i = 0; i < 8; ++i) {
+        test::PluginJob job(0x0409);
+        void* pDib = malloc(block.size());
+        std::memcpy(pDib, block.data(), block.size());
+        const auto start = Clock::now();
+        job.StartWith(pDib);
+        while (job.Pane(1).empty() || ::GetUpdateRect(job.View(), nullptr, FALSE) != FALSE) {
+            ::SwitchToThread();
+        }
+        best = std::min(best, MillisecondsSince(start));
+    }
+    return best;
+}
+
+}  // namespace
+}  // namespace width
+
+int main(int argc, char** argv) {
+    using namespace width;
+    const std::int32_t nWidth = argc > 2 ? std::atoi(argv[1]) : 6000;
+    const std::int32_t nHeight = argc > 2 ? std::atoi(argv[2]) : 4000;
+    const std::vector<std::byte> block = LineArt(nWidth, nHeight);
+    const DibView dib = *DibView::Open(block);
+    std::printf("picture %d x %d, 8 bits\n", nWidth, nHeight);
+    TimeFrames(block);
+    std::printf("one paint that keeps nothing: %.0f ms\n",
+                PaintThatKeepsNothing(block, *MakeSkeleton(dib, {0, CalcAutoThreshold(&dib)})));
+    std::vector<std::byte> copy(block.size());
+    const double msCopy = Best(5, [&] { std::memcpy(copy.data(), block.data(), block.size()); });
+    const double msEmpty = TimeToFirstFrame(LineArt(8, 8));
+    const double msFirst = TimeToFirstFrame(block);
+    std::printf(
+        "pi_start to first frame, load and unload included: %.1f ms; with a picture of 8 x 8: %.1f ms; one copy of the block: "
+        "%.1f ms\n",
+        msFirst, msEmpty, msCopy);
+    return 0;
+}
