@@ -90,8 +90,7 @@ void CToolBar::AddButtons(std::span<const WORD> ids) {
 }
 
 int CToolBar::CalcFixedHeight() const {
-    const LRESULT lSize = ::SendMessageW(m_hWnd, TB_GETBUTTONSIZE, 0, 0);
-    return m_hWnd != nullptr ? HIWORD(lSize) + 6 : 0;
+    return m_hWnd != nullptr ? HIWORD(::SendMessageW(m_hWnd, TB_GETBUTTONSIZE, 0, 0)) + 6 : 0;
 }
 
 void CToolBar::OnUpdateCmdUI(CCmdTarget& target, bool bDisableIfNoHandler) {

@@ -3,7 +3,6 @@
 #include "view/Zoom.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "core/Arithmetic.h"
 
@@ -24,9 +23,8 @@ std::optional<Zoom> NextZoomIn(Zoom zoom) noexcept {
 }
 
 std::optional<Zoom> NextZoomOut(Zoom zoom) noexcept {
-    const auto downwards = kZoomTable | std::views::reverse;
-    const auto it = std::ranges::find_if(downwards, [&](Zoom entry) { return IsGreater(zoom, entry); });
-    return it == downwards.end() ? std::nullopt : std::optional(*it);
+    const auto it = std::find_if(kZoomTable.rbegin(), kZoomTable.rend(), [&](Zoom entry) { return IsGreater(zoom, entry); });
+    return it == kZoomTable.rend() ? std::nullopt : std::optional(*it);
 }
 
 Zoom BestFitZoom(std::int32_t nAreaWidth, std::int32_t nAreaHeight, std::int32_t nImageWidth,

@@ -301,6 +301,66 @@ TEST(Plugin, PaintsEveryPixelWhereItBelongs) {
     EXPECT_TRUE(job.WaitForPane(kPaneZoom, L"Zoom: 100%"));
 }
 
+TEST(Plugin, CursorsTellToolAndZoom) {
+    PluginJob job(kEnglish);
+    ASSERT_NE(job.Start(Quarters(64, 48)), nullptr);
+    ASSERT_TRUE(job.WaitForPane(kPaneSize, L"64 x 48"));
+    const HMODULE hPlugin = ::GetModuleHandleW(L"width.dll");
+    const DWORD nThread = ::GetWindowThreadProcessId(job.Frame(), nullptr);
+    const auto cursor = [&] {
+        ::AttachThreadInput(::GetCurrentThreadId(), nThread, TRUE);
+        const HWND hView = job.View();
+        job.Send(hView, WM_SETCURSOR, reinterpret_cast<WPARAM>(hView), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        const HCURSOR hCursor = ::GetCursor();
+        ::AttachThreadInput(::GetCurrentThreadId(), nThread, FALSE);
+        return hCursor;
+    };
+    const auto own = [&](UINT nId) { return ::LoadCursorW(hPlugin, MAKEINTRESOURCEW(nId)); };
+    EXPECT_EQ(cursor(), own(IDC_HAND_OPEN));
+    job.Command(ID_TOOL_ZOOM);
+    EXPECT_EQ(cursor(), own(IDC_ZOOM_BOTH));
+    for (int i = 0; i < 30; ++i)
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+    EXPECT_EQ(cursor(), own(IDC_ZOOM_OUT)) << "16/1 is the last step";
+    for (int i = 0; i < 30; ++i)
+        job.Send(job.View(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(3, 3));
+    EXPECT_EQ(cursor(), own(IDC_ZOOM_IN));
+    EXPECT_TRUE(job.WaitForPane(kPaneZoom, L"Zoom: 5%"));
+    job.Command(ID_TOOL_WIDTH_LABEL);
+    EXPECT_EQ(cursor(), ::LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
+    ICONINFO info{};
+    ASSERT_NE(::GetIconInfo(own(IDC_ZOOM_IN), &info), FALSE);
+    EXPECT_TRUE(info.xHotspot == 13 && info.yHotspot == 11);
+    ::DeleteObject(info.hbmMask);
+    ::DeleteObject(info.hbmColor);
+}
+
+// The middle of the window stays where it is through the steps, and a scroll repaints what it uncovers.
+TEST(Plugin, ZoomKeepsTheMiddleAndScrollsRepaint) {
+    PluginJob job(kEnglish);
+    ASSERT_NE(job.Start(Quarters(3000, 2000)), nullptr);
+    ASSERT_TRUE(job.WaitForPane(kPaneSize, L"3000 x 2000"));
+    const HWND hView = job.View();
+    job.Command(ID_TOOL_ZOOM);
+    job.Send(hView, WM_HSCROLL, SB_RIGHT);
+    job.Send(hView, WM_VSCROLL, SB_BOTTOM);
+    const RECT rc = ClientRect(hView);
+    const int x = ::GetScrollPos(hView, SB_HORZ);
+    EXPECT_EQ(x, 3000 - rc.right);
+    ::UpdateWindow(hView);
+    EXPECT_EQ(PixelAt(hView, {rc.right - 1, rc.bottom - 1}), RGB(0, 0, 0)) << "the frame of the picture";
+    EXPECT_EQ(PixelAt(hView, {rc.right - 3, rc.bottom - 3}), RGB(60, 200, 128));
+    job.Send(hView, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));  // 3/2
+    EXPECT_EQ(::GetScrollPos(hView, SB_HORZ), (x + rc.right / 2) * 3 / 2 - rc.right / 2 + ((x + rc.right / 2) % 2));
+    ::UpdateWindow(hView);
+    EXPECT_EQ(PixelAt(hView, {rc.right / 2, rc.bottom / 2}), RGB(60, 200, 128));
+    job.Send(hView, WM_HSCROLL, SB_LEFT);
+    job.Send(hView, WM_VSCROLL, SB_TOP);
+    ::UpdateWindow(hView);
+    EXPECT_EQ(PixelAt(hView, {0, 0}), RGB(0, 0, 0));
+    EXPECT_EQ(PixelAt(hView, {30, 30}), RGB(200, 60, 128));
+}
+
 TEST(Plugin, PanMovesThePictureWithTheHand) {
     PluginJob job(kEnglish);
     ASSERT_NE(job.Start(Quarters(3000, 2000)), nullptr);
