@@ -98,6 +98,9 @@ void CScrollView::UpdateBars() {
     const POINT ptNow = GetDeviceScrollPosition();
     ScrollToDevicePosition({plan.bHorz ? std::min(ptNow.x, m_sizeTotal.cx - plan.sizeClient.cx) : 0,
                             plan.bVert ? std::min(ptNow.y, m_sizeTotal.cy - plan.sizeClient.cy) : 0});
+    if (plan.bHorz == plan.bVert && HasBar(SB_HORZ) != plan.bHorz && HasBar(SB_VERT) != plan.bVert) {
+        ::ShowScrollBar(m_hWnd, SB_BOTH, plan.bHorz ? TRUE : FALSE);  // one change of the client area instead of two
+    }
     SetBar(SB_HORZ, plan.bHorz, m_sizeTotal.cx, plan.sizeClient.cx);
     SetBar(SB_VERT, plan.bVert, m_sizeTotal.cy, plan.sizeClient.cy);
     m_bInsideUpdate = false;
