@@ -108,6 +108,10 @@ bool CComposition::Compose(const DibView& dib, const Overlays& overlays) {
     for (const DetectedLine& line : overlays.lines) {
         DrawDetectedLine(m_dc, line, overlays.clrLine, m_nHeight);
     }
+    if (overlays.pLabels != nullptr) {
+        const DibFigures& figures = dib.Figures();
+        DrawLabels(m_dc, *overlays.pLabels, overlays.pattern, {figures.nXPelsPerMeter, figures.nYPelsPerMeter});
+    }
     m_bValid = true;
     return true;
 }

@@ -11,6 +11,7 @@
 #include "classlib/Gdi.h"
 #include "core/PackedDib.h"
 #include "core/SkeletonMap.h"
+#include "measure/LabelDrawing_win.h"
 
 namespace width {
 
@@ -20,8 +21,10 @@ struct Overlays {
     COLORREF clrSkeleton = 0;
     std::span<const DetectedLine> lines;
     COLORREF clrLine = 0;
+    const LabelList* pLabels = nullptr;  ///< null: none
+    LabelPattern pattern;
 
-    bool AreEmpty() const { return pSkeleton == nullptr && lines.empty(); }
+    bool AreEmpty() const { return pSkeleton == nullptr && lines.empty() && (pLabels == nullptr || pLabels->m_nCurLabel == 0); }
 };
 
 /// Draws a detected line on a surface of image pixels, from its first end up to its last, which is left out.
@@ -47,6 +50,13 @@ public:
 
     /// A memory context that holds the surface, 0 x 0 to width x height. Only after Compose gave true.
     const CDC& Surface() const { return m_dc; }
+
+    /// The surface's pixels, 0x00RRGGBB without gaps, bottom row first; the top byte is undefined. Only after Compose
+    /// gave true, and only until the next call of it.
+    const std::uint32_t* Pixels() const {
+        ::GdiFlush();
+        return m_pPixels;
+    }
 
 private:
     bool MakeSurface(const DibView& dib);

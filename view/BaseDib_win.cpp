@@ -47,23 +47,30 @@ void CBaseDib::Draw(CDC& dc) const {
     dc.SetStretchBltMode(nOldMode);
 }
 
-HPALETTE CBaseDib::MakePalette() const {
-    if (m_nBitCount > 8 || !m_pCopy || m_nPalEntries == 0) {
-        return nullptr;
-    }
+HPALETTE MakePalette(const DibView& dib) {
     struct {
         WORD palVersion = 0x300;
         WORD palNumEntries = 0;
         PALETTEENTRY palPalEntry[256]{};
     } palette;
     static_assert(offsetof(LOGPALETTE, palPalEntry) == 4);
-    const std::uint32_t nEntries = std::min<std::uint32_t>(m_nPalEntries, 256);
-    palette.palNumEntries = static_cast<WORD>(nEntries);
-    const std::uint8_t* pEntry = m_pCopy.get() + sizeof(BITMAPINFOHEADER);
-    for (std::uint32_t i = 0; i < nEntries; ++i, pEntry += 4) {
-        palette.palPalEntry[i] = {pEntry[2], pEntry[1], pEntry[0], 0};
+    const std::uint32_t nEntries = std::min<std::uint32_t>(dib.Figures().nPalEntries, 256);
+    if (nEntries == 0) {
+        return nullptr;
     }
+    palette.palNumEntries = static_cast<WORD>(nEntries);
+    std::ranges::transform(dib.Palette(), palette.palPalEntry, [](Colour colour) {
+        return PALETTEENTRY{colour.red, colour.green, colour.blue, 0};
+    });
     return ::CreatePalette(reinterpret_cast<const LOGPALETTE*>(&palette));
+}
+
+HPALETTE CBaseDib::MakePalette() const {
+    if (m_nBitCount > 8 || !m_pCopy) {
+        return nullptr;
+    }
+    const auto dib = DibView::Open({reinterpret_cast<const std::byte*>(m_pCopy.get()), _msize(m_pHeader)});
+    return dib ? width::MakePalette(*dib) : nullptr;
 }
 
 }  // namespace width

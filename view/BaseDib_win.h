@@ -10,6 +10,9 @@
 
 namespace width {
 
+/// A logical palette of a bitmap's colour table, the caller's; null above 8 bits or on failure.
+HPALETTE MakePalette(const DibView& dib);
+
 /// Made for the time of one operation. Everything is 0 and null before Attach. The attached block is not owned and must
 /// be one that CheckPackedDib accepts.
 class CBaseDib {

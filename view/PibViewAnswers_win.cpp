@@ -31,10 +31,6 @@ void CPibView::OnBinarySetting() {
          (L"灰度范围已设为图像较暗的一半：0 到 " + limit + L"。").c_str());
 }
 
-void CPibView::OnWriteToBitmap() {
-    Tell(L"Overlays stay beside the bitmap in this version.", L"此版本尚不能将标注写入位图。");
-}
-
 void CPibView::OnSave() {
     Tell(L"This version does not save files. Send the image to the main application.",
          L"此版本尚不能保存文件，请将图像发送到主程序。");

@@ -63,6 +63,7 @@ void CPibView::OnLineDetect() {
 
 void CPibView::OnWidthLabel() {
     g_nToolMode = TOOL_WIDTH_LABEL;
+    ForgetSquares();
     InvalidateView();
 }
 

@@ -31,6 +31,8 @@ Overlays CPibView::CurrentOverlays() const {
     overlays.clrSkeleton = m_clrSkeleton;
     overlays.lines = m_lineStore.m_Lines;
     overlays.clrLine = m_clrLine;
+    overlays.pLabels = &m_labelList;
+    overlays.pattern = {m_clrLabel, m_font};
     return overlays;
 }
 

@@ -40,6 +40,11 @@ void CPibView::OnLButtonDown(UINT /*nFlags*/, POINT point) {
                     InvalidateView();
                 }
                 break;
+            case TOOL_WIDTH_LABEL:
+                if (!PickAt(point)) {
+                    return;
+                }
+                break;
             case TOOL_TRACK:
                 Pan(point);
                 break;
@@ -54,7 +59,11 @@ void CPibView::OnLButtonDown(UINT /*nFlags*/, POINT point) {
 }
 
 void CPibView::OnRButtonDown(UINT /*nFlags*/, POINT /*point*/) {
-    if (HasImage() && g_nToolMode == TOOL_ZOOM) {
+    if (HasImage() && g_nToolMode == TOOL_WIDTH_LABEL) {
+        ForgetSquares();
+        m_picker.Reset();
+        Invalidate(true);
+    } else if (HasImage() && g_nToolMode == TOOL_ZOOM) {
         StepZoom(NextZoomOut({m_nZoomNum, m_nZoomDen}));
     }
     Default();

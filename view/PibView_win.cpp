@@ -56,6 +56,7 @@ bool CPibView::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lRe
     static constexpr MsgEntry kTable[] = {
         Msg<WM_PIB_SETDIB, &CPibView::OnSetDib>(),       Msg<WM_ERASEBKGND, &CPibView::OnEraseBkgnd>(),
         Msg<WM_LBUTTONDOWN, &CPibView::OnLButtonDown>(), Msg<WM_RBUTTONDOWN, &CPibView::OnRButtonDown>(),
+        Msg<WM_MOUSEMOVE, &CPibView::OnMouseMove>(),     Msg<WM_KILLFOCUS, &CPibView::OnKillFocus>(),
         Msg<WM_SETCURSOR, &CPibView::OnSetCursor>(),
     };
     return Dispatch(kTable, message, wParam, lParam, lResult) || CScrollView::OnWndMsg(message, wParam, lParam, lResult);

@@ -4,7 +4,7 @@
 // the labels; nothing else shows, measures or changes the picture. Fields carry the job's state as plain values;
 // handlers gather what a portable function needs, call it, store what comes back, and invalidate.
 // Files: PibView_win.cpp life and state, PibViewPaint_win.cpp, PibViewTools_win.cpp mouse, zoom and cursors,
-// PibViewCommands_win.cpp the command table. Tested by: tests/e2e/PluginTest.cpp
+// PibViewMeasure_win.cpp picking and labels, PibViewCommands_win.cpp the command table. Tested by: tests/e2e/PluginTest.cpp
 #pragma once
 
 #include <optional>
@@ -56,6 +56,11 @@ public:
     GreyWindow m_greyWindow;            ///< 0..0 until the user has chosen one
     std::int32_t m_bSkeletonReady = 0;  ///< the skeleton belongs to the grey window
     std::optional<SkeletonMap> m_skeleton;
+    std::int32_t m_bWriteSkeleton = 0;  ///< Write to Bitmap includes the skeleton
+    std::int32_t m_bWriteLines = 1;     ///< Write to Bitmap includes the lines
+    RECT m_rcMark{};                    ///< search square at the mouse, client coordinates; empty: none
+    RECT m_rcMarkOld{};                 ///< the one before, still on the screen; empty: none
+    std::int32_t m_bMarkHidden = 0;     ///< the square has been wiped for a pending label
 
 protected:
     bool PreCreateWindow(CREATESTRUCTW& cs) override;
@@ -69,6 +74,8 @@ private:
     bool OnEraseBkgnd(CDC* pDC);
     void OnLButtonDown(UINT nFlags, POINT point);
     void OnRButtonDown(UINT nFlags, POINT point);
+    void OnMouseMove(UINT nFlags, POINT point);
+    void OnKillFocus(HWND hNewWnd);
     bool OnSetCursor(HWND hWnd, UINT nHitTest, UINT message);
 
     void OnTrack();
@@ -109,6 +116,12 @@ private:
     void SetZoom(std::int32_t nNum, std::int32_t nDen);
     void StepZoom(std::optional<Zoom> zoom);
     void Pan(POINT point);
+    bool PickAt(POINT point);
+    bool ShowPick(const PickEvent& event);
+    void MoveSearchSquare(CDC& dc, POINT point);
+    void MoveRubberLabel(CDC& dc, POINT point);
+    void ForgetSquares();
+    void WriteLabelsToBitmap();
     void ChooseTool(int nMode, CCmdUI* pCmdUI) const;
     static LineConditions CurrentConditions();
 

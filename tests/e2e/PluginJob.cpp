@@ -1,5 +1,7 @@
 #include "tests/e2e/PluginJob.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -26,8 +28,12 @@ void PluginJob::Callback(void* pCookie, int32_t nCode, void* pParam, void* /*pUn
     if (job.m_pfnOnEvent != nullptr) {
         job.m_pfnOnEvent(job, nCode);
     }
+    std::vector<std::byte> block(pParam != nullptr ? _msize(pParam) : 0);
+    if (!block.empty()) {
+        std::memcpy(block.data(), pParam, block.size());
+    }
     const std::lock_guard lock(job.m_mutex);
-    job.m_events.push_back({nCode, pParam, ::GetCurrentThreadId()});
+    job.m_events.push_back({nCode, pParam, ::GetCurrentThreadId(), std::move(block)});
 }
 
 static void* Allocated(const std::vector<std::byte>& block) {
@@ -123,6 +129,27 @@ void PluginJob::Command(UINT nId) const {
 void PluginJob::Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) const {
     ::SendMessageW(hWnd, message, wParam, lParam);
     ::PostMessageW(m_hFrame, WM_NULL, 0, 0);
+}
+
+COLORREF PixelAt(HWND hView, POINT pt) {
+    const HDC hdc = ::GetDC(hView);
+    const COLORREF clr = ::GetPixel(hdc, pt.x, pt.y);
+    ::ReleaseDC(hView, hdc);
+    return clr;
+}
+
+RECT ClientRect(HWND hWnd) {
+    RECT rc{};
+    ::GetClientRect(hWnd, &rc);
+    return rc;
+}
+
+std::wstring AnswerBox() {
+    const HWND hBox = WaitForWindow(0, L"#32770");
+    const std::wstring text = MessageBoxText(hBox);
+    PostCommand(hBox, IDOK);
+    WaitFor([&] { return ::IsWindow(hBox) == FALSE; });
+    return text;
 }
 
 }  // namespace width::test

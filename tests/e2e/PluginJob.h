@@ -15,6 +15,7 @@ struct HostEvent {
     int32_t nCode;
     void* pParam;
     DWORD nThreadId;
+    std::vector<std::byte> block;  ///< with code 2 a copy of the picture
 };
 
 /// Loads the plug-in anew, so that every test starts with a fresh module, and unloads it in the end. Ends a job that is
@@ -68,5 +69,11 @@ private:
     std::mutex m_mutex;
     std::vector<HostEvent> m_events;
 };
+
+/// Colour of a client point as it is on the screen.
+COLORREF PixelAt(HWND hView, POINT pt);
+RECT ClientRect(HWND hWnd);
+/// Answers the message box that is open, or opens next, and gives its text.
+std::wstring AnswerBox();
 
 }  // namespace width::test

@@ -13,7 +13,10 @@
 namespace width {
 namespace {
 
+using test::AnswerBox;
+using test::ClientRect;
 using test::DibBuilder;
+using test::PixelAt;
 using test::PluginJob;
 using test::WaitFor;
 
@@ -41,28 +44,6 @@ std::vector<std::byte> Bar(std::int32_t nWidth = 300, std::int32_t nHeight = 200
     return builder.GreyTable()
         .Fill([&](std::int32_t x, std::int32_t s) { return x > 20 && x < nWidth - 20 && s > 98 && s < 104 ? 0U : 255U; })
         .Block();
-}
-
-COLORREF PixelAt(HWND hView, POINT pt) {
-    const HDC hdc = ::GetDC(hView);
-    const COLORREF clr = ::GetPixel(hdc, pt.x, pt.y);
-    ::ReleaseDC(hView, hdc);
-    return clr;
-}
-
-RECT ClientRect(HWND hWnd) {
-    RECT rc{};
-    ::GetClientRect(hWnd, &rc);
-    return rc;
-}
-
-// Answers the message box that is open, or opens next, and gives its text.
-std::wstring AnswerBox() {
-    const HWND hBox = test::WaitForWindow(0, L"#32770");
-    const std::wstring text = test::MessageBoxText(hBox);
-    test::PostCommand(hBox, IDOK);
-    WaitFor([&] { return ::IsWindow(hBox) == FALSE; });
-    return text;
 }
 
 TEST(Plugin, FillsItsTwoEntriesAndNothingElse) {
