@@ -46,4 +46,10 @@ inline float g_fMaxLineAngle = 0.01745F;
 inline int g_bRectAlgorithm = 1;
 inline float g_fRectWidth = 3.0F;
 
+// Fields of the binary dialog, set anew at each opening.
+inline int g_nAutoMinGrey = 0;
+inline int g_nAutoMaxGrey = 0;
+inline int g_nSelfMinGrey = 0;
+inline int g_nSelfMaxGrey = 0;
+
 }  // namespace width

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "classlib/Thread.h"
-#include "dialogs/AboutDlg.h"
+#include "dialogs/DllDlg.h"
 #include "module/ModuleState.h"
 #include "res/resource.h"
 #include "shell/HelpPath.h"
@@ -164,7 +164,7 @@ bool CMainFrame::OnToolTipTextW(UINT /*nID*/, NMHDR* pNotify, LRESULT* pResult) 
 }
 
 void CMainFrame::OnAbout() {
-    RunAboutDialog(m_hWnd);
+    CAboutDlg(m_hWnd).DoModal();
 }
 
 void CMainFrame::OnExit() {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include "dialogs/AboutDlg.h"
+#include "dialogs/DllDlg.h"
 #include "module/ModuleState.h"
 #include "shell/PibThread_win.h"
 
@@ -46,7 +46,7 @@ void pi_start(void* pDib, void* /*pUnused*/, HostCallback pfn, void* pCookie) {
 }
 
 void pi_about() {
-    RunAboutDialog(nullptr);
+    CAboutDlg(nullptr).DoModal();
 }
 
 }  // namespace

@@ -1,8 +1,5 @@
 // Commands whose full dialogue is not part of this version: they do what can be done without it and say so.
 // Tested by: tests/e2e/PluginTest.cpp
-#include <string>
-
-#include "analysis/GreyLevels.h"
 #include "classlib/Thread.h"
 #include "module/ModuleState.h"
 #include "view/PibView_win.h"
@@ -16,20 +13,6 @@ void Tell(LPCWSTR lpszEnglish, LPCWSTR lpszChinese) {
 }
 
 }  // namespace
-
-// The darker half of the picture becomes the foreground; lines of the old skeleton go with it.
-void CPibView::OnBinarySetting() {
-    if (!HasImage()) {
-        return;
-    }
-    m_greyWindow = {0, CalcAutoThreshold(&*m_dib)};
-    m_bSkeletonReady = 0;
-    m_lineStore.m_Lines.clear();
-    InvalidateView();
-    const std::wstring limit = std::to_wstring(m_greyWindow.nMaxGrey);
-    Tell((L"The grey window is set to the darker half of the image: 0 to " + limit + L".").c_str(),
-         (L"灰度范围已设为图像较暗的一半：0 到 " + limit + L"。").c_str());
-}
 
 void CPibView::OnSave() {
     Tell(L"This version does not save files. Send the image to the main application.",

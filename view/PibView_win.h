@@ -53,6 +53,7 @@ public:
     LineStore m_lineStore;  ///< detected lines and the next id
     LabelList m_labelList;  ///< labels and how many are in force
     LinePairPicker m_picker;
+    std::int32_t m_nThresholdMode = 1;  ///< 1 automatic, 0 self set
     GreyWindow m_greyWindow;            ///< 0..0 until the user has chosen one
     std::int32_t m_bSkeletonReady = 0;  ///< the skeleton belongs to the grey window
     std::optional<SkeletonMap> m_skeleton;

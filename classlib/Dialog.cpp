@@ -1,0 +1,130 @@
+// Tested by: tests/e2e/DialogTest.cpp
+#include "classlib/Dialog.h"
+
+#include <cerrno>
+#include <climits>
+#include <cwchar>
+#include <optional>
+
+namespace {
+
+// The whole text as an integer, blanks around it left out.
+std::optional<int> ParseInteger(const wchar_t* psz) {
+    wchar_t* pszEnd = nullptr;
+    errno = 0;
+    const long long value = std::wcstoll(psz, &pszEnd, 10);
+    if (pszEnd == psz || errno == ERANGE || value < INT_MIN || value > INT_MAX) {
+        return std::nullopt;
+    }
+    while (*pszEnd == L' ') {
+        ++pszEnd;
+    }
+    return *pszEnd == L'\0' ? std::optional(static_cast<int>(value)) : std::nullopt;
+}
+
+}  // namespace
+
+// The state is final before the box opens: the dialog stays as it is.
+void CDataExchange::Fail(const std::wstring& text) {
+    m_bFailed = true;
+    const HWND hControl = m_hWndLastControl;
+    wchar_t caption[200] = {};
+    ::GetWindowTextW(m_pDlg->m_hWnd, caption, 200);
+    ::MessageBoxW(m_pDlg->m_hWnd, text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
+    if (::IsWindow(hControl) != FALSE) {
+        ::SetFocus(hControl);
+        ::SendMessageW(hControl, EM_SETSEL, 0, -1);
+    }
+}
+
+void DDX_Text(CDataExchange* pDX, UINT nID, int& value) {
+    if (pDX->m_bFailed) {
+        return;
+    }
+    pDX->m_hWndLastControl = pDX->m_pDlg->GetDlgItem(nID);
+    if (!pDX->m_bSaveAndValidate) {
+        ::SetWindowTextW(pDX->m_hWndLastControl, std::to_wstring(value).c_str());
+        return;
+    }
+    wchar_t text[64] = {};
+    ::GetWindowTextW(pDX->m_hWndLastControl, text, 64);
+    if (const std::optional<int> parsed = ParseInteger(text)) {
+        value = *parsed;
+    } else {
+        pDX->Fail(pDX->m_pDlg->NoIntegerText());
+    }
+}
+
+void DDV_MinMaxInt(CDataExchange* pDX, int value, int nMin, int nMax) {
+    if (pDX->m_bSaveAndValidate && !pDX->m_bFailed && (value < nMin || value > nMax)) {
+        pDX->Fail(pDX->m_pDlg->RangeText(nMin, nMax));
+    }
+}
+
+std::wstring CDialog::RangeText(int nMin, int nMax) const {
+    return L"Please enter an integer between " + std::to_wstring(nMin) + L" and " + std::to_wstring(nMax) + L".";
+}
+
+INT_PTR CDialog::DoModal(HINSTANCE hInstance, UINT nTemplate, HWND hParent) {
+    const INT_PTR nResult =
+        ::DialogBoxParamW(hInstance, MAKEINTRESOURCEW(nTemplate), hParent, DlgProc, reinterpret_cast<LPARAM>(this));
+    m_hWnd = nullptr;
+    return nResult;
+}
+
+bool CDialog::UpdateData(bool bSaveAndValidate) {
+    CDataExchange dx(this, bSaveAndValidate);
+    DoDataExchange(&dx);
+    return !dx.m_bFailed;
+}
+
+bool CDialog::OnInitDialog() {
+    UpdateData(false);
+    return true;
+}
+
+void CDialog::OnOK() {
+    if (UpdateData(true)) {
+        ::EndDialog(m_hWnd, IDOK);
+    }
+}
+
+void CDialog::OnCancel() {
+    ::EndDialog(m_hWnd, IDCANCEL);
+}
+
+INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam) {
+    if (message == WM_INITDIALOG) {
+        return OnInitDialog() ? TRUE : FALSE;
+    }
+    if (message != WM_COMMAND) {
+        return FALSE;
+    }
+    const UINT nID = LOWORD(wParam);
+    if (nID == IDOK) {
+        OnOK();
+    } else if (nID == IDCANCEL) {
+        OnCancel();
+    } else {
+        OnControl(nID, HIWORD(wParam));
+    }
+    return TRUE;
+}
+
+// No exception goes through the system's code: one that gets here ends the dialog as if it could not be shown.
+INT_PTR CALLBACK CDialog::DlgProc(HWND hDlg, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        ::SetWindowLongPtrW(hDlg, DWLP_USER, lParam);
+        reinterpret_cast<CDialog*>(lParam)->m_hWnd = hDlg;
+    }
+    auto* const pThis = reinterpret_cast<CDialog*>(::GetWindowLongPtrW(hDlg, DWLP_USER));
+    if (pThis == nullptr) {
+        return FALSE;
+    }
+    try {
+        return pThis->OnMessage(message, wParam);
+    } catch (...) {
+        ::EndDialog(hDlg, -1);
+        return TRUE;
+    }
+}
