@@ -124,6 +124,11 @@ void PluginJob::Command(UINT nId) const {
     Send(m_hFrame, WM_COMMAND, nId);
 }
 
+void PluginJob::Paint() const {
+    ::UpdateWindow(View());
+    ::SendMessageW(m_hFrame, WM_NULL, 0, 0);
+}
+
 // A message that is sent to another thread is dealt with inside its wait for a posted one, so only a posted one behind
 // it brings the thread to its idle time.
 void PluginJob::Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) const {

@@ -55,6 +55,9 @@ public:
     bool IsMarked(UINT nId) const;
     /// Gives a command and waits until it has been carried out.
     void Command(UINT nId) const;
+    /// Has everything painted that is still to be painted, also what the job's thread is painting just now: a message
+    /// that is sent is dealt with only when that thread has finished.
+    void Paint() const;
     /// Sends a message to a window of the job and lets the job's thread have an idle time after it.
     void Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam = 0) const;
 

@@ -251,7 +251,7 @@ TEST(Plugin, PaintsEveryPixelWhereItBelongs) {
     job.Command(ID_TOOL_ZOOM);
     for (std::int32_t nPercent = 100; nPercent <= 1600;) {
         if (nPercent % 100 == 0) {
-            ::UpdateWindow(job.View());
+            job.Paint();
             const RECT rc = ClientRect(job.View());
             const std::int32_t k = nPercent / 100;
             const POINT ptOrigin{(rc.right - kWidth * k) / 2, (rc.bottom - kHeight * k) / 2};
@@ -328,16 +328,16 @@ TEST(Plugin, ZoomKeepsTheMiddleAndScrollsRepaint) {
     const RECT rc = ClientRect(hView);
     const int x = ::GetScrollPos(hView, SB_HORZ);
     EXPECT_EQ(x, 3000 - rc.right);
-    ::UpdateWindow(hView);
+    job.Paint();
     EXPECT_EQ(PixelAt(hView, {rc.right - 1, rc.bottom - 1}), RGB(0, 0, 0)) << "the frame of the picture";
     EXPECT_EQ(PixelAt(hView, {rc.right - 3, rc.bottom - 3}), RGB(60, 200, 128));
     job.Send(hView, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));  // 3/2
     EXPECT_EQ(::GetScrollPos(hView, SB_HORZ), (x + rc.right / 2) * 3 / 2 - rc.right / 2 + ((x + rc.right / 2) % 2));
-    ::UpdateWindow(hView);
+    job.Paint();
     EXPECT_EQ(PixelAt(hView, {rc.right / 2, rc.bottom / 2}), RGB(60, 200, 128));
     job.Send(hView, WM_HSCROLL, SB_LEFT);
     job.Send(hView, WM_VSCROLL, SB_TOP);
-    ::UpdateWindow(hView);
+    job.Paint();
     EXPECT_EQ(PixelAt(hView, {0, 0}), RGB(0, 0, 0));
     EXPECT_EQ(PixelAt(hView, {30, 30}), RGB(200, 60, 128));
 }
