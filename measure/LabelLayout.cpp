@@ -75,8 +75,10 @@ TextPlace PlaceText(POINT ptFoot1, POINT ptFoot2, std::int32_t nSide, std::int32
 
 POINT TextStart(const TextPlace& place, std::int32_t nTextWidth, std::int32_t nTextHeight) noexcept {
     const double r = place.dAngle * kRadians;
-    const double halfWidth = nTextWidth / 2;  // whole pixels
-    const double halfHeight = nTextHeight / 2;
+    const std::int32_t nHalfWidth = nTextWidth / 2;
+    const std::int32_t nHalfHeight = nTextHeight / 2;
+    const auto halfWidth = static_cast<double>(nHalfWidth);
+    const auto halfHeight = static_cast<double>(nHalfHeight);
     const std::int32_t a = TruncateToInt32(halfWidth * std::cos(r) - halfHeight * std::sin(r));
     const std::int32_t b = TruncateToInt32(std::sin(r) * halfWidth + halfHeight * std::cos(r));
     return {WrapSub(place.ptAnchor.x, a), WrapAdd(place.ptAnchor.y, b)};
