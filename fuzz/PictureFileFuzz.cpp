@@ -1,10 +1,12 @@
-// Any bytes as a picture file: it becomes a packed bitmap that the door accepts, or an error.
+// Any bytes as a picture file: it becomes a packed bitmap that the door accepts, or an error. Only a plain bitmap file,
+// which becomes the block as it stands, may have a depth whose pixels nobody reads.
 //
 // A few bytes can promise a picture of a gigabyte, and clearing that much takes longer than trying a
 // thousand files. So memory is short in this program: large requests fail, as on a full machine.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <new>
 #include <random>
 #include <string>
@@ -12,6 +14,7 @@
 #include "core/PackedDib.h"
 #include "fuzz/FuzzInput.h"
 #include "imageio/ImageIo.h"
+#include "imageio/PlainBmp.h"
 
 namespace width::fuzz {
 
@@ -47,6 +50,11 @@ private:
     std::filesystem::path m_path;
 };
 
+bool IsPlainFile(const std::filesystem::path& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pFile(std::fopen(path.c_str(), "rb"), &std::fclose);
+    return pFile != nullptr && IsPlain(ReadBmpHead(pFile.get()));
+}
+
 }  // namespace
 
 void TryFile(const std::uint8_t* pData, std::size_t nSize) {
@@ -59,7 +67,7 @@ void TryFile(const std::uint8_t* pData, std::size_t nSize) {
     if (!picture.block.empty()) {
         const std::optional<DibView> dib = DibView::Open(picture.block);
         Require(dib.has_value(), "what was read is a packed bitmap");
-        Require(IsReadableDepth(dib->BitCount()), "what was read has pixels");
+        Require(IsReadableDepth(dib->BitCount()) || IsPlainFile(path), "what was read has pixels");
     }
     Require(picture.error.find('\n') == std::string::npos, "an error is one line");
 }
