@@ -1,6 +1,7 @@
 // Tested by: tests/e2e/DialogTest.cpp
 #include "classlib/Dialog.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cwchar>
@@ -20,6 +21,27 @@ std::optional<int> ParseInteger(const wchar_t* psz) {
         ++pszEnd;
     }
     return *pszEnd == L'\0' ? std::optional(static_cast<int>(value)) : std::nullopt;
+}
+
+// Over the middle of its owner, or of the screen when it has none, and wholly on the screen.
+void CenterWindow(HWND hDlg) {
+    RECT rcDlg{};
+    RECT rcOwner{};
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    const HWND hOwner = ::GetWindow(hDlg, GW_OWNER);
+    ::GetWindowRect(hDlg, &rcDlg);
+    ::GetMonitorInfoW(::MonitorFromWindow(hOwner != nullptr ? hOwner : hDlg, MONITOR_DEFAULTTONEAREST), &monitor);
+    if (hOwner == nullptr || ::IsIconic(hOwner) != FALSE || ::GetWindowRect(hOwner, &rcOwner) == FALSE) {
+        rcOwner = monitor.rcWork;
+    }
+    const int nWidth = rcDlg.right - rcDlg.left;
+    const int nHeight = rcDlg.bottom - rcDlg.top;
+    const int xMost = std::max<int>(monitor.rcWork.right - nWidth, monitor.rcWork.left);
+    const int yMost = std::max<int>(monitor.rcWork.bottom - nHeight, monitor.rcWork.top);
+    const int x = std::clamp<int>((rcOwner.left + rcOwner.right - nWidth) / 2, monitor.rcWork.left, xMost);
+    const int y = std::clamp<int>((rcOwner.top + rcOwner.bottom - nHeight) / 2, monitor.rcWork.top, yMost);
+    ::SetWindowPos(hDlg, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 }  // namespace
@@ -95,6 +117,7 @@ void CDialog::OnCancel() {
 
 INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam) {
     if (message == WM_INITDIALOG) {
+        CenterWindow(m_hWnd);
         return OnInitDialog() ? TRUE : FALSE;
     }
     if (message != WM_COMMAND) {
