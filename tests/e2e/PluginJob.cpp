@@ -152,6 +152,7 @@ RECT ClientRect(HWND hWnd) {
 std::wstring AnswerBox() {
     const HWND hBox = WaitForWindow(0, L"#32770");
     const std::wstring text = MessageBoxText(hBox);
+    ::RedrawWindow(hBox, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW | RDW_ALLCHILDREN);
     PostCommand(hBox, IDOK);
     WaitFor([&] { return ::IsWindow(hBox) == FALSE; });
     return text;

@@ -2,7 +2,8 @@
 // of a full repaint of the maximised window at every zoom, of a frame after a change of overlays, and, beside them in
 // the same run, of one paint as if nothing were kept: a private copy, a cleared scratch area, a bitmap of the picture's
 // size, a system call for every skeleton cell, one stretch. Then the time from pi_start to the first painted frame
-// beside that of an empty job and of one copy of the block.
+// beside that of an empty job and of one copy of the block. Last, Write to Bitmap from the command to its message, beside
+// storing the same pixels with a system call each.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -132,6 +133,50 @@ void TimeFrames(const std::vector<std::byte>& block) {
     std::printf("\nworst kept frame: %.2f ms\n", worst);
 }
 
+// From the command to the message that all is written.
+double TimeWrite(const std::vector<std::byte>& block) {
+    test::PluginJob job(0x0409);
+    job.Start(block);
+    test::WaitFor([&] { return !job.Pane(1).empty(); });
+    ::PostMessageW(job.Frame(), WM_COMMAND, ID_BINARY_SETTING, 0);
+    AnswerNextBox();
+    job.Command(ID_SKELETONIZE);
+    job.Command(ID_TOOL_LINE_DETECT);
+    for (int i = 0; i < 40; ++i) {
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(500, 40 + 15 * i));
+    }
+    job.Paint();
+    return Best(3, [&] {
+        ::PostMessageW(job.Frame(), WM_COMMAND, ID_WRITE_TO_BITMAP, 0);
+        while (test::FindTopWindow(0, L"#32770") == nullptr) {
+            ::SwitchToThread();
+        }
+        AnswerNextBox();
+    });
+}
+
+// The palette search alone, a call for every pixel.
+double TimeCallPerPixel(const DibView& dib) {
+    std::vector<std::uint32_t> words(257);
+    words[0] = 256U << 16 | 0x300;  // a logical palette: version and count
+    const std::array<Colour, 256> colours = dib.Palette();
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        words[i + 1] = RGB(colours[i].red, colours[i].green, colours[i].blue);
+    }
+    const HPALETTE hPalette = ::CreatePalette(reinterpret_cast<const LOGPALETTE*>(words.data()));
+    unsigned nSum = 0;
+    const double ms = Best(1, [&] {
+        for (std::int32_t s = 0; s < dib.Height(); ++s) {
+            for (const std::uint8_t nIndex : dib.Row(s).first(static_cast<std::size_t>(dib.Width()))) {
+                nSum += ::GetNearestPaletteIndex(hPalette, words[1 + nIndex]);
+            }
+        }
+    });
+    ::DeleteObject(hPalette);
+    asm volatile("" : : "r"(nSum));
+    return ms;
+}
+
 // From pi_start to a frame whose view has nothing left to paint. Making the block and ending the job are not counted.
 double TimeToFirstFrame(const std::vector<std::byte>& block) {
     double best = 1e9;
@@ -176,5 +221,7 @@ int main(int argc, char** argv) {
         "pi_start to first frame: %.1f ms; with a picture of 8 x 8: %.1f ms, of 1100 x 800, which has scroll bars too: %.1f ms\n",
         TimeToFirstFrame(block), msEmpty, msSmall);
     std::printf("one copy of the block: %.1f ms, into memory in use before: %.1f ms\n", msCopy, msWarmCopy);
+    std::printf("Write to Bitmap up to its message: %.0f ms; a system call for every pixel: %.0f ms\n", TimeWrite(block),
+                TimeCallPerPixel(dib));
     return 0;
 }
