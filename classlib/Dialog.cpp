@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cfloat>
 #include <climits>
+#include <cmath>
 #include <cwchar>
 #include <optional>
 
@@ -21,6 +23,20 @@ std::optional<int> ParseInteger(const wchar_t* psz) {
         ++pszEnd;
     }
     return *pszEnd == L'\0' ? std::optional(static_cast<int>(value)) : std::nullopt;
+}
+
+// The whole text as a decimal number, blanks around it left out: neither hexadecimal nor a name such as "inf".
+std::optional<float> ParseNumber(const wchar_t* psz) {
+    while (*psz == L' ') {
+        ++psz;
+    }
+    const std::wstring text(psz, std::wcsspn(psz, L"0123456789+-.eE"));
+    const wchar_t* const pszRest = psz + text.size();
+    wchar_t* pszEnd = nullptr;
+    const double value = std::wcstod(text.c_str(), &pszEnd);
+    const bool bBlanks = pszRest[std::wcsspn(pszRest, L" ")] == L'\0';
+    const bool bNumber = pszEnd != text.c_str() && *pszEnd == L'\0' && bBlanks && std::abs(value) <= FLT_MAX;
+    return bNumber ? std::optional(static_cast<float>(value)) : std::nullopt;
 }
 
 // Over the middle of its owner, or of the screen when it has none, and wholly on the screen.
@@ -77,10 +93,56 @@ void DDX_Text(CDataExchange* pDX, UINT nID, int& value) {
     }
 }
 
+void DDX_Text(CDataExchange* pDX, UINT nID, float& value) {
+    if (pDX->m_bFailed) {
+        return;
+    }
+    pDX->m_hWndLastControl = pDX->m_pDlg->GetDlgItem(nID);
+    if (!pDX->m_bSaveAndValidate) {
+        ::SetWindowTextW(pDX->m_hWndLastControl, NumberText(value).c_str());
+        return;
+    }
+    wchar_t text[64] = {};
+    ::GetWindowTextW(pDX->m_hWndLastControl, text, 64);
+    if (const std::optional<float> parsed = ParseNumber(text)) {
+        value = *parsed;
+    } else {
+        pDX->Fail(pDX->m_pDlg->NoNumberText());
+    }
+}
+
+void DDX_Check(CDataExchange* pDX, UINT nID, int& value) {
+    if (pDX->m_bFailed) {
+        return;
+    }
+    pDX->m_hWndLastControl = pDX->m_pDlg->GetDlgItem(nID);
+    if (pDX->m_bSaveAndValidate) {
+        value = ::SendMessageW(pDX->m_hWndLastControl, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0;
+    } else {
+        ::SendMessageW(pDX->m_hWndLastControl, BM_SETCHECK, value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
+    }
+}
+
 void DDV_MinMaxInt(CDataExchange* pDX, int value, int nMin, int nMax) {
     if (pDX->m_bSaveAndValidate && !pDX->m_bFailed && (value < nMin || value > nMax)) {
         pDX->Fail(pDX->m_pDlg->RangeText(nMin, nMax));
     }
+}
+
+void DDV_MinMaxFloat(CDataExchange* pDX, float value, float fMin, float fMax) {
+    if (pDX->m_bSaveAndValidate && !pDX->m_bFailed && !(value >= fMin && value <= fMax)) {
+        pDX->Fail(pDX->m_pDlg->NumberRangeText(fMin, fMax));
+    }
+}
+
+std::wstring NumberText(float value) {
+    wchar_t text[40] = {};
+    std::swprintf(text, 40, L"%.*g", FLT_DIG, static_cast<double>(value));
+    return text;
+}
+
+std::wstring CDialog::NumberRangeText(float fMin, float fMax) const {
+    return L"Please enter a number between " + NumberText(fMin) + L" and " + NumberText(fMax) + L".";
 }
 
 std::wstring CDialog::RangeText(int nMin, int nMax) const {
@@ -115,23 +177,42 @@ void CDialog::OnCancel() {
     ::EndDialog(m_hWnd, IDCANCEL);
 }
 
-INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam) {
-    if (message == WM_INITDIALOG) {
-        CenterWindow(m_hWnd);
-        return OnInitDialog() ? TRUE : FALSE;
-    }
-    if (message != WM_COMMAND) {
-        return FALSE;
-    }
-    const UINT nID = LOWORD(wParam);
+HBRUSH CDialog::OnCtlColor(HDC hdc, HWND hControl, UINT nCtlColor) {
+    return reinterpret_cast<HBRUSH>(::DefWindowProcW(m_hWnd, WM_CTLCOLORMSGBOX + nCtlColor, reinterpret_cast<WPARAM>(hdc),
+                                                     reinterpret_cast<LPARAM>(hControl)));
+}
+
+void CDialog::OnCommand(UINT nID, UINT nCode) {
     if (nID == IDOK) {
         OnOK();
     } else if (nID == IDCANCEL) {
         OnCancel();
     } else {
-        OnControl(nID, HIWORD(wParam));
+        OnControl(nID, nCode);
     }
-    return TRUE;
+}
+
+// A flat dispatch: one line a message.
+INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG:
+            CenterWindow(m_hWnd);
+            return OnInitDialog() ? TRUE : FALSE;
+        case WM_COMMAND:
+            OnCommand(LOWORD(wParam), HIWORD(wParam));
+            return TRUE;
+        case WM_DRAWITEM:
+            OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            return TRUE;
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLORSTATIC:
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORDLG:
+            return reinterpret_cast<INT_PTR>(
+                OnCtlColor(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam), message - WM_CTLCOLORMSGBOX));
+        default:
+            return FALSE;
+    }
 }
 
 // No exception goes through the system's code: one that gets here ends the dialog as if it could not be shown.
@@ -145,7 +226,7 @@ INT_PTR CALLBACK CDialog::DlgProc(HWND hDlg, UINT message, WPARAM wParam, LPARAM
         return FALSE;
     }
     try {
-        return pThis->OnMessage(message, wParam);
+        return pThis->OnMessage(message, wParam, lParam);
     } catch (...) {
         ::EndDialog(hDlg, -1);
         return TRUE;

@@ -8,6 +8,9 @@
 
 class CDialog;
 
+/// A number as the exchange shows it: at most six significant digits.
+std::wstring NumberText(float value);
+
 /// One exchange between a dialog's values and its controls, in either direction. The first value that can't be taken ends
 /// it: later calls of the same exchange do nothing.
 class CDataExchange {
@@ -25,8 +28,13 @@ public:
 
 /// A whole number in a text control. Anything else than an integer of 32 bits fails.
 void DDX_Text(CDataExchange* pDX, UINT nID, int& value);
+/// A decimal number in a text control, shown with six significant digits at most. Anything else fails.
+void DDX_Text(CDataExchange* pDX, UINT nID, float& value);
+/// A check box: 1 checked, 0 not.
+void DDX_Check(CDataExchange* pDX, UINT nID, int& value);
 /// To follow the DDX call of its value at once: fails outside [nMin, nMax], and tells the range.
 void DDV_MinMaxInt(CDataExchange* pDX, int value, int nMin, int nMax);
+void DDV_MinMaxFloat(CDataExchange* pDX, float value, float fMin, float fMax);
 
 /// Lives on the stack of the call that shows it. Values are plain members of the derived class, set before DoModal and read
 /// after it gave IDOK.
@@ -49,9 +57,11 @@ public:
     HWND GetDlgItem(UINT nID) const { return ::GetDlgItem(m_hWnd, static_cast<int>(nID)); }
     void EnableItem(UINT nID, bool bEnable) const { ::EnableWindow(GetDlgItem(nID), bEnable ? TRUE : FALSE); }
 
-    /// What the user is told when a text is no integer, and when it is outside a range. English; override for others.
+    /// What the user is told when a text is no number of its kind, and when it is outside a range. English; override for others.
     virtual std::wstring NoIntegerText() const { return L"Please enter an integer."; }
     virtual std::wstring RangeText(int nMin, int nMax) const;
+    virtual std::wstring NoNumberText() const { return L"Please enter a number."; }
+    virtual std::wstring NumberRangeText(float fMin, float fMax) const;
 
 protected:
     /// The controls exist. True: the system sets the focus. The base brings the values into the controls.
@@ -62,8 +72,13 @@ protected:
     virtual void OnCancel();
     /// A control's notification, BN_CLICKED and so on.
     virtual void OnControl(UINT /*nID*/, UINT /*nCode*/) {}
+    /// An owner-drawn control wants to be painted.
+    virtual void OnDrawItem(const DRAWITEMSTRUCT& /*item*/) {}
+    /// A control of the type CTLCOLOR_... asks for its background; the base gives the system's own brush.
+    virtual HBRUSH OnCtlColor(HDC hdc, HWND hControl, UINT nCtlColor);
 
 private:
     static INT_PTR CALLBACK DlgProc(HWND hDlg, UINT message, WPARAM wParam, LPARAM lParam);
-    INT_PTR OnMessage(UINT message, WPARAM wParam);
+    INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnCommand(UINT nID, UINT nCode);
 };

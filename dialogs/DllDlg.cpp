@@ -25,6 +25,15 @@ std::wstring CDllDlg::RangeText(int nMin, int nMax) const {
                            : CDialog::RangeText(nMin, nMax);
 }
 
+std::wstring CDllDlg::NoNumberText() const {
+    return g_bChinese != 0 ? L"请输入一个数。" : CDialog::NoNumberText();
+}
+
+std::wstring CDllDlg::NumberRangeText(float fMin, float fMax) const {
+    return g_bChinese != 0 ? L"请输入一个在 " + NumberText(fMin) + L" 和 " + NumberText(fMax) + L" 之间的数。"
+                           : CDialog::NumberRangeText(fMin, fMax);
+}
+
 CAboutDlg::CAboutDlg(HWND hParent) : CDllDlg(IDD_ABOUT_EN, IDD_ABOUT_ZH, hParent) {}
 
 }  // namespace width

@@ -19,6 +19,8 @@ public:
 
     std::wstring NoIntegerText() const override;
     std::wstring RangeText(int nMin, int nMax) const override;
+    std::wstring NoNumberText() const override;
+    std::wstring NumberRangeText(float fMin, float fMax) const override;
 
 private:
     UINT m_nEnglish;

@@ -31,12 +31,4 @@ void CPibView::OnPrintPreview() {
     OnPrint();
 }
 
-void CPibView::OnLabelSetting() {
-    Tell(L"Labels keep their standard pattern in this version.", L"此版本使用标准标注样式。");
-}
-
-void CPibView::OnLineSetting() {
-    Tell(L"Line conditions keep their standard values in this version.", L"此版本使用标准直线条件。");
-}
-
 }  // namespace width

@@ -4,7 +4,6 @@
 
 #include "analysis/GreyLevels.h"
 #include "classlib/Thread.h"
-#include "dialogs/BinaryDlg.h"
 #include "module/ModuleState.h"
 #include "res/resource.h"
 #include "view/PibView_win.h"
@@ -88,24 +87,6 @@ void CPibView::OnSkeletonize() {
     m_skeleton.reset();
     m_skeleton = MakeSkeleton(*m_dib, m_greyWindow);
     m_bSkeletonReady = m_skeleton ? 1 : 0;
-    InvalidateView();
-}
-
-// Every OK gives up skeleton and lines, also when the limits have not changed; labels stay.
-void CPibView::OnBinarySetting() {
-    CBinaryDlg dlg;
-    g_nAutoMaxGrey = CalcAutoThreshold(m_dib ? &*m_dib : nullptr);
-    g_nAutoMinGrey = 0;
-    g_nSelfMaxGrey = 255;
-    g_nSelfMinGrey = 155;
-    if (dlg.DoModal() != IDOK) {
-        return;
-    }
-    m_nThresholdMode = dlg.m_bAutoMode;
-    m_greyWindow =
-        m_nThresholdMode != 0 ? GreyWindow{g_nAutoMinGrey, g_nAutoMaxGrey} : GreyWindow{g_nSelfMinGrey, g_nSelfMaxGrey};
-    m_bSkeletonReady = 0;
-    m_lineStore.m_Lines.clear();
     InvalidateView();
 }
 

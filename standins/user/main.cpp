@@ -10,11 +10,11 @@
 namespace {
 
 POINT PointOf(const wchar_t* text) {
-    POINT pt{};
-    if (std::swscanf(text, L"%ld,%ld", &pt.x, &pt.y) != 2) {
+    int x = 0, y = 0;
+    if (std::swscanf(text, L"%d,%d", &x, &y) != 2) {
         throw std::runtime_error("a point is X,Y");
     }
-    return pt;
+    return {x, y};
 }
 
 width::user::Plan PlanOf(wchar_t** arguments) {

@@ -124,9 +124,11 @@ void PluginJob::Command(UINT nId) const {
     Send(m_hFrame, WM_COMMAND, nId);
 }
 
+// The paint may be one that the job's thread has seen in its queue: it then waits for another message before its idle time.
 void PluginJob::Paint() const {
     ::UpdateWindow(View());
     ::SendMessageW(m_hFrame, WM_NULL, 0, 0);
+    ::PostMessageW(m_hFrame, WM_NULL, 0, 0);
 }
 
 // A message that is sent to another thread is dealt with inside its wait for a posted one, so only a posted one behind

@@ -155,7 +155,7 @@ double TimeWrite(const std::vector<std::byte>& block) {
     });
 }
 
-// The palette search alone, a call for every pixel.
+// The palette search alone, a call for every pixel: of every twentieth row, since all would take minutes.
 double TimeCallPerPixel(const DibView& dib) {
     std::vector<std::uint32_t> words(257);
     words[0] = 256U << 16 | 0x300;  // a logical palette: version and count
@@ -164,9 +164,10 @@ double TimeCallPerPixel(const DibView& dib) {
         words[i + 1] = RGB(colours[i].red, colours[i].green, colours[i].blue);
     }
     const HPALETTE hPalette = ::CreatePalette(reinterpret_cast<const LOGPALETTE*>(words.data()));
+    constexpr std::int32_t kEach = 20;
     unsigned nSum = 0;
     const double ms = Best(1, [&] {
-        for (std::int32_t s = 0; s < dib.Height(); ++s) {
+        for (std::int32_t s = 0; s < dib.Height(); s += kEach) {
             for (const std::uint8_t nIndex : dib.Row(s).first(static_cast<std::size_t>(dib.Width()))) {
                 nSum += ::GetNearestPaletteIndex(hPalette, words[1 + nIndex]);
             }
@@ -174,7 +175,7 @@ double TimeCallPerPixel(const DibView& dib) {
     });
     ::DeleteObject(hPalette);
     asm volatile("" : : "r"(nSum));
-    return ms;
+    return ms * kEach;
 }
 
 // From pi_start to a frame whose view has nothing left to paint. Making the block and ending the job are not counted.
@@ -221,7 +222,7 @@ int main(int argc, char** argv) {
         "pi_start to first frame: %.1f ms; with a picture of 8 x 8: %.1f ms, of 1100 x 800, which has scroll bars too: %.1f ms\n",
         TimeToFirstFrame(block), msEmpty, msSmall);
     std::printf("one copy of the block: %.1f ms, into memory in use before: %.1f ms\n", msCopy, msWarmCopy);
-    std::printf("Write to Bitmap up to its message: %.0f ms; a system call for every pixel: %.0f ms\n", TimeWrite(block),
-                TimeCallPerPixel(dib));
+    std::printf("Write to Bitmap up to its message: %.0f ms", TimeWrite(block));
+    std::printf("; a system call for every pixel: %.0f ms, measured on every twentieth row\n", TimeCallPerPixel(dib));
     return 0;
 }
