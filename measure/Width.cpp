@@ -69,6 +69,10 @@ SlopedLine SlopedLineOf(POINT first, POINT second) noexcept {
     return {ptBase, dy / dx, dy / std::sqrt(dy * dy + dx * dx)};
 }
 
+bool HasDirection(const SlopedLine& line) noexcept {
+    return !std::isnan(line.sine);
+}
+
 // Foot of the normal through pt on the line through ptBase with the pair's mean slope and sine.
 POINT GeneralFoot(POINT pt, POINT ptBase, double slope, double sine) noexcept {
     const auto px = static_cast<double>(pt.x);
@@ -123,8 +127,18 @@ float PairWidth(const PickedEnds& ends) noexcept {
 }
 
 Feet ComputeFeet(POINT ptClient, const PickedEnds& endsClient) noexcept {
-    const SlopedLine line1 = SlopedLineOf(endsClient[0], endsClient[1]);
-    const SlopedLine line2 = SlopedLineOf(endsClient[2], endsClient[3]);
+    SlopedLine line1 = SlopedLineOf(endsClient[0], endsClient[1]);
+    SlopedLine line2 = SlopedLineOf(endsClient[2], endsClient[3]);
+    // At a small zoom both ends of a short line can fall on one client pixel: the lines are parallel, so the other tells
+    // the direction, and where neither does, the pixels themselves are the feet.
+    if (!HasDirection(line1) && !HasDirection(line2)) {
+        return {endsClient[0], endsClient[2]};
+    }
+    if (!HasDirection(line1)) {
+        line1 = {line1.ptBase, line2.slope, line2.sine};
+    } else if (!HasDirection(line2)) {
+        line2 = {line2.ptBase, line1.slope, line1.sine};
+    }
     const double slope = (line2.slope + line1.slope) * 0.5;
     const double sine = (line2.sine + line1.sine) * 0.5;
     // A vertical pair picked in opposite directions has a mean sine of 0 and is caught first.

@@ -41,7 +41,8 @@ struct Feet {
 
 /// Where the common normal through a point meets the two lines. Both in client coordinates,
 /// truncated. Nearly horizontal and nearly vertical pairs are taken as exactly so. Which end of a
-/// line comes first matters where lines are vertical or lean to both sides of the vertical.
+/// line comes first matters where lines are vertical or lean to both sides of the vertical. A line
+/// whose ends coincide takes the direction of the other; if both do, the ends are the feet.
 Feet ComputeFeet(POINT ptClient, const PickedEnds& endsClient) noexcept;
 
 /// Half a label: two points in image coordinates, y from the top. A label is two consecutive

@@ -56,9 +56,10 @@ TEST(ComputeFeet, NearlyHorizontalIsHorizontal) {
     ExpectFeet(ComputeFeet({25, 60}, Ends({10, 0, 11, 100, 40, 0, 39, 100})), {25, 50}, {25, 50});
 }
 
-TEST(ComputeFeet, NeverFailsOnDegenerateLines) {
-    const Feet feet = ComputeFeet({5, 5}, Ends({1, 1, 1, 1, 2, 2, 2, 2}));
-    EXPECT_EQ(feet.pt1.x, std::numeric_limits<std::int32_t>::min()) << "not a number becomes the conversion's own value";
+TEST(ComputeFeet, ALineWithoutDirectionTakesTheOthers) {
+    ExpectFeet(ComputeFeet({60, 50}, Ends({0, 0, 100, 50, 0, 40, 0, 40})), {68, 34}, {52, 66});
+    ExpectFeet(ComputeFeet({15, 33}, Ends({10, 5, 10, 5, 31, 100, 31, 0})), {10, 33}, {31, 33});
+    ExpectFeet(ComputeFeet({5, 5}, Ends({1, 1, 1, 1, 2, 7, 2, 7})), {1, 1}, {2, 7});
 }
 
 TEST(CommitLabel, StoresImagePointsAndDropsUndoneLabels) {
