@@ -39,27 +39,6 @@ std::optional<float> ParseNumber(const wchar_t* psz) {
     return bNumber ? std::optional(static_cast<float>(value)) : std::nullopt;
 }
 
-// Over the middle of its owner, or of the screen when it has none, and wholly on the screen.
-void CenterWindow(HWND hDlg) {
-    RECT rcDlg{};
-    RECT rcOwner{};
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    const HWND hOwner = ::GetWindow(hDlg, GW_OWNER);
-    ::GetWindowRect(hDlg, &rcDlg);
-    ::GetMonitorInfoW(::MonitorFromWindow(hOwner != nullptr ? hOwner : hDlg, MONITOR_DEFAULTTONEAREST), &monitor);
-    if (hOwner == nullptr || ::IsIconic(hOwner) != FALSE || ::GetWindowRect(hOwner, &rcOwner) == FALSE) {
-        rcOwner = monitor.rcWork;
-    }
-    const int nWidth = rcDlg.right - rcDlg.left;
-    const int nHeight = rcDlg.bottom - rcDlg.top;
-    const int xMost = std::max<int>(monitor.rcWork.right - nWidth, monitor.rcWork.left);
-    const int yMost = std::max<int>(monitor.rcWork.bottom - nHeight, monitor.rcWork.top);
-    const int x = std::clamp<int>((rcOwner.left + rcOwner.right - nWidth) / 2, monitor.rcWork.left, xMost);
-    const int y = std::clamp<int>((rcOwner.top + rcOwner.bottom - nHeight) / 2, monitor.rcWork.top, yMost);
-    ::SetWindowPos(hDlg, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 }  // namespace
 
 // The state is final before the box opens: the dialog stays as it is.
@@ -154,6 +133,26 @@ INT_PTR CDialog::DoModal(HINSTANCE hInstance, UINT nTemplate, HWND hParent) {
         ::DialogBoxParamW(hInstance, MAKEINTRESOURCEW(nTemplate), hParent, DlgProc, reinterpret_cast<LPARAM>(this));
     m_hWnd = nullptr;
     return nResult;
+}
+
+void CDialog::CenterWindow(HWND hDlg) {
+    RECT rcDlg{};
+    RECT rcOwner{};
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    const HWND hOwner = ::GetWindow(hDlg, GW_OWNER);
+    ::GetWindowRect(hDlg, &rcDlg);
+    ::GetMonitorInfoW(::MonitorFromWindow(hOwner != nullptr ? hOwner : hDlg, MONITOR_DEFAULTTONEAREST), &monitor);
+    if (hOwner == nullptr || ::IsIconic(hOwner) != FALSE || ::GetWindowRect(hOwner, &rcOwner) == FALSE) {
+        rcOwner = monitor.rcWork;
+    }
+    const int nWidth = rcDlg.right - rcDlg.left;
+    const int nHeight = rcDlg.bottom - rcDlg.top;
+    const int xMost = std::max<int>(monitor.rcWork.right - nWidth, monitor.rcWork.left);
+    const int yMost = std::max<int>(monitor.rcWork.bottom - nHeight, monitor.rcWork.top);
+    const int x = std::clamp<int>((rcOwner.left + rcOwner.right - nWidth) / 2, monitor.rcWork.left, xMost);
+    const int y = std::clamp<int>((rcOwner.top + rcOwner.bottom - nHeight) / 2, monitor.rcWork.top, yMost);
+    ::SetWindowPos(hDlg, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 bool CDialog::UpdateData(bool bSaveAndValidate) {

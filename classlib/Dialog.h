@@ -67,6 +67,8 @@ protected:
     /// The controls exist. True: the system sets the focus. The base brings the values into the controls.
     virtual bool OnInitDialog();
     virtual void DoDataExchange(CDataExchange* /*pDX*/) {}
+    /// Puts a dialog over the middle of its owner, or of the screen when it has none, and wholly on the screen.
+    static void CenterWindow(HWND hDlg);
     /// Takes the values and closes with IDOK; stays open if one could not be taken.
     virtual void OnOK();
     virtual void OnCancel();

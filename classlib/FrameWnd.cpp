@@ -2,6 +2,7 @@
 #include "classlib/FrameWnd.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "classlib/ControlBar.h"
@@ -38,6 +39,14 @@ private:
 };
 
 constexpr UINT kFirstSystemCommand = 0xF000;
+
+BOOL CALLBACK PostCloseToDialog(HWND hWnd, LPARAM) {
+    wchar_t name[8] = {};
+    if (::GetClassNameW(hWnd, name, 8) > 0 && std::wstring_view(name) == L"#32770") {
+        ::PostMessageW(hWnd, WM_CLOSE, 0, 0);
+    }
+    return TRUE;
+}
 
 }  // namespace
 
@@ -76,6 +85,7 @@ bool CFrameWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lR
     static constexpr MsgEntry kTable[] = {
         Msg<WM_CREATE, &CFrameWnd::OnCreate>(),
         Msg<WM_CLOSE, &CFrameWnd::OnClose>(),
+        Msg<WM_ENABLE, &CFrameWnd::OnEnable>(),
         Msg<WM_DESTROY, &CFrameWnd::OnDestroy>(),
         Msg<WM_SIZE, &CFrameWnd::OnSize>(),
         Msg<WM_SETFOCUS, &CFrameWnd::OnSetFocus>(),
@@ -89,8 +99,22 @@ int CFrameWnd::OnCreate(CREATESTRUCTW*) {
     return static_cast<int>(Default());
 }
 
+// The code that shows a dialog over the frame works with what the frame owns. So the dialogs are closed first, and the
+// frame when the last of them has given it back.
 void CFrameWnd::OnClose() {
-    DestroyWindow();
+    if (::IsWindowEnabled(m_hWnd) != FALSE) {
+        DestroyWindow();
+        return;
+    }
+    m_bCloseWanted = true;
+    ::EnumThreadWindows(::GetCurrentThreadId(), PostCloseToDialog, 0);
+}
+
+void CFrameWnd::OnEnable(bool bEnable) {
+    Default();
+    if (bEnable && std::exchange(m_bCloseWanted, false)) {
+        ::PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
+    }
 }
 
 void CFrameWnd::OnDestroy() {

@@ -46,6 +46,7 @@ protected:
 
     int OnCreate(CREATESTRUCTW* pCreate);
     void OnClose();
+    void OnEnable(bool bEnable);
     void OnDestroy();
     void OnSize(UINT nType, int cx, int cy);
     void OnSetFocus(HWND hOldWnd);
@@ -54,6 +55,7 @@ protected:
 
 private:
     CView* m_pViewActive = nullptr;
+    bool m_bCloseWanted = false;   // as soon as no dialog is open
     HMENU m_hMenuAside = nullptr;  // owned, while a preview hides it
     HICON m_hIcon = nullptr;       // the system's or shared: not owned
 };

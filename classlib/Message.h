@@ -195,6 +195,18 @@ struct MsgSignature<WM_CREATE> {
     }
 };
 
+/// void OnEnable(bool bEnable)
+template <>
+struct MsgSignature<WM_ENABLE> {
+    template <class C>
+    using Handler = void (C::*)(bool);
+    template <class C>
+    static bool Call(C& wnd, Handler<C> pfn, WPARAM wParam, LPARAM, LRESULT&) {
+        (wnd.*pfn)(wParam != FALSE);
+        return true;
+    }
+};
+
 /// void OnSize(UINT nType, int cx, int cy): SIZE_ code, new size of the client area
 template <>
 struct MsgSignature<WM_SIZE> {

@@ -14,15 +14,6 @@ void Tell(LPCWSTR lpszEnglish, LPCWSTR lpszChinese) {
 
 }  // namespace
 
-void CPibView::OnSave() {
-    Tell(L"This version does not save files. Send the image to the main application.",
-         L"此版本尚不能保存文件，请将图像发送到主程序。");
-}
-
-void CPibView::OnSaveAs() {
-    OnSave();
-}
-
 void CPibView::OnPrint() {
     Tell(L"This version does not print. Send the image to the main application.", L"此版本尚不能打印，请将图像发送到主程序。");
 }

@@ -27,8 +27,8 @@ std::span<const CmdEntry> CPibView::Commands() const {
         Cmd<&CPibView::OnEditUndo, &CPibView::OnUpdateEditUndo>(ID_EDIT_UNDO),
         Cmd<&CPibView::OnEditRedo, &CPibView::OnUpdateEditRedo>(ID_EDIT_REDO),
         // file and hand-over
-        Cmd<&CPibView::OnSave, &CPibView::OnUpdateSave>(ID_FILE_SAVE),
-        Cmd<&CPibView::OnSaveAs, &CPibView::OnUpdateNeedsImage>(ID_FILE_SAVE_AS_PICTURE),
+        Cmd<&CPibView::OnFileSave, &CPibView::OnUpdateFileSave>(ID_FILE_SAVE),
+        Cmd<&CPibView::OnFileSaveAs, &CPibView::OnUpdateNeedsImage>(ID_FILE_SAVE_AS_PICTURE),
         Cmd<&CPibView::OnPrint>(ID_FILE_PRINT),
         Cmd<&CPibView::OnPrintPreview>(ID_FILE_PRINT_PREVIEW),
         Cmd<&CPibView::OnSendImage, &CPibView::OnUpdateNeedsImage>(ID_SEND_IMAGE),
@@ -68,12 +68,6 @@ void CPibView::OnWidthLabel() {
 }
 
 // The host's function runs on this thread and reads the block; it stays the view's.
-void CPibView::OnSendImage() {
-    if (HasImage()) {
-        g_pfnHostCallback(g_pHostCookie, PI_CODE_IMAGE, m_pDib, nullptr);
-    }
-}
-
 // A failed run leaves the flag at 0. The map before is given up first, so that two are never needed at once.
 void CPibView::OnSkeletonize() {
     m_bSkeletonReady = 0;
@@ -136,9 +130,6 @@ void CPibView::OnUpdateEditUndo(CCmdUI* pCmdUI) {
 void CPibView::OnUpdateEditRedo(CCmdUI* pCmdUI) {
     pCmdUI->Enable(m_labelList.CanRedo());
 }
-void CPibView::OnUpdateSave(CCmdUI* pCmdUI) {
-    pCmdUI->Enable((m_nFlags & kImageChanged) != 0);
-}
 
 void CPibView::OnUpdateStatusPane(CCmdUI* pCmdUI) {
     if (!m_dib) {
@@ -147,11 +138,8 @@ void CPibView::OnUpdateStatusPane(CCmdUI* pCmdUI) {
     }
     const bool bChinese = g_bChinese != 0;
     switch (pCmdUI->m_nID) {
-        case ID_PANE_PATH: {
-            wchar_t path[260] = {};
-            ::MultiByteToWideChar(CP_ACP, 0, m_szFilePath, -1, path, 260);
-            return pCmdUI->SetText(path);
-        }
+        case ID_PANE_PATH:
+            return pCmdUI->SetText(Widen(m_szFilePath).c_str());
         case ID_PANE_SIZE:
             return pCmdUI->SetText(SizeText(m_dib->Figures()).c_str());
         case ID_PANE_ZOOM:

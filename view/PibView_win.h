@@ -4,7 +4,8 @@
 // the labels; nothing else shows, measures or changes the picture. Fields carry the job's state as plain values;
 // handlers gather what a portable function needs, call it, store what comes back, and invalidate.
 // Files: PibView_win.cpp life and state, PibViewPaint_win.cpp, PibViewTools_win.cpp mouse, zoom and cursors,
-// PibViewMeasure_win.cpp picking and labels, PibViewCommands_win.cpp the command table. Tested by: tests/e2e/PluginTest.cpp
+// PibViewMeasure_win.cpp picking and labels, PibViewSave_win.cpp, PibViewCommands_win.cpp the command table. Tested by:
+// tests/e2e/PluginTest.cpp
 #pragma once
 
 #include <optional>
@@ -16,6 +17,7 @@
 #include "core/ViewGeometry.h"
 #include "measure/Composition_win.h"
 #include "measure/Picking.h"
+#include "save/SaveFlow_win.h"
 #include "view/Zoom.h"
 
 namespace width {
@@ -43,7 +45,8 @@ public:
     RECT GetImageRect() const { return width::GetImageRect(Geometry()); }
 
     // The state of the job. Everybody may read it; it is written by the view's handlers only.
-    char m_szFilePath[260] = {};  ///< where the image was last saved; empty until then
+    char m_szFilePath[kPathBytes] = {};  ///< where the image was last saved; empty until then
+    SaveOptions m_saveOptions{};         ///< how; not read before m_szFilePath is set
     std::int32_t m_nZoomNum = 1;
     std::int32_t m_nZoomDen = 1;
     std::uint32_t m_nFlags = 0;  ///< kImageChanged
@@ -90,8 +93,8 @@ private:
     void OnWriteToBitmap();
     void OnEditUndo();
     void OnEditRedo();
-    void OnSave();
-    void OnSaveAs();
+    void OnFileSave();
+    void OnFileSaveAs();
     void OnPrint();
     void OnPrintPreview();
     void OnBinarySetting();
@@ -106,7 +109,7 @@ private:
     void OnUpdateSkeletonize(CCmdUI* pCmdUI);
     void OnUpdateEditUndo(CCmdUI* pCmdUI);
     void OnUpdateEditRedo(CCmdUI* pCmdUI);
-    void OnUpdateSave(CCmdUI* pCmdUI);
+    void OnUpdateFileSave(CCmdUI* pCmdUI);
     void OnUpdateStatusPane(CCmdUI* pCmdUI);
 
     bool HasImage() const { return m_dib.has_value(); }
