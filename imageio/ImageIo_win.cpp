@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <bit>
 #include <cstdio>
 #include <memory>
@@ -16,6 +15,7 @@
 #include <utility>
 
 #include "imageio/ImageIo.h"
+#include "imageio/PictureSaver_win.h"
 #include "imageio/PlainBmp.h"
 #include "imageio/Wic_win.h"
 
@@ -160,89 +160,25 @@ LoadedPicture LoadOpened(const std::filesystem::path& path) {
     return *kind == WicFile::Bmp ? LoadBitmapFile(pFile.get()) : LoadByComponent(pFile.get(), *kind, nullptr);
 }
 
-// A new file beside a target, which takes the target's place when it is complete and vanishes when it is not.
-class Replacement {
-public:
-    explicit Replacement(std::filesystem::path target) : m_target(std::move(target)) {}
-    ~Replacement() {
-        if (!m_temporary.empty()) {
-            DeleteFileW(m_temporary.c_str());
-        }
-    }
-    Replacement(const Replacement&) = delete;
-    Replacement& operator=(const Replacement&) = delete;
-
-    std::string Create();
-    std::string Commit();
-    const std::filesystem::path& Path() const noexcept { return m_temporary; }
-
-private:
-    std::filesystem::path m_target;
-    std::filesystem::path m_temporary;  // empty while there is none
-};
-
-std::string Replacement::Create() {
-    static std::atomic<unsigned> s_nCounter{0};
-    constexpr int kAttempts = 100;
-    const DWORD nAttributes = GetFileAttributesW(m_target.c_str());
-    constexpr DWORD kUnwritable = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
-    if (nAttributes != INVALID_FILE_ATTRIBUTES && (nAttributes & kUnwritable) != 0) {
-        return SystemText(ERROR_ACCESS_DENIED);
-    }
-    DWORD nError = ERROR_FILE_EXISTS;
-    for (int i = 0; i < kAttempts && nError == ERROR_FILE_EXISTS; ++i) {
-        const std::string name = "picture-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(s_nCounter++) + ".tmp";
-        const std::filesystem::path candidate = m_target.parent_path() / name;
-        const HANDLE hFile =
-            CreateFileW(candidate.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (hFile != INVALID_HANDLE_VALUE) {
-            CloseHandle(hFile);
-            m_temporary = candidate;
+// What a save says of its failure.
+std::string SaveText(const SaveResult& result, WicFile kind, std::uint16_t nBits) {
+    const std::string name = WicFileName(kind);
+    switch (result.fault) {
+        case SaveFault::None:
             return {};
-        }
-        nError = GetLastError();
+        case SaveFault::Depth:
+            return "a picture of " + std::to_string(nBits) + " bits per pixel cannot be written";
+        case SaveFault::Colours:
+            return "a " + name + " picture has at most 256 colours, this one has 24 or more bits per pixel";
+        case SaveFault::Size:
+            return "the picture is too large for a " + name + " file";
+        case SaveFault::Memory:
+            return "not enough memory";
+        case SaveFault::System:
+            return SystemText(result.nSystemError);
+        default:
+            return "the " + name + " picture cannot be written";
     }
-    return SystemText(nError);
-}
-
-std::string Replacement::Commit() {
-    if (MoveFileExW(m_temporary.c_str(), m_target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
-        return SystemText(GetLastError());
-    }
-    m_temporary.clear();
-    return {};
-}
-
-std::string SaveBitmapFile(const std::filesystem::path& path, const SourceBlock& source) {
-    FileHandle pFile(_wfopen(path.c_str(), L"wb"));
-    if (pFile == nullptr) {
-        return SystemText(GetLastError());
-    }
-    std::string error = SaveBmp(pFile.get(), source);
-    const bool bClosed = std::fclose(pFile.release()) == 0;
-    return error.empty() && !bClosed ? "the BMP picture cannot be written" : error;
-}
-
-std::string SaveChecked(const std::filesystem::path& path, std::span<const std::byte> block) {
-    const std::optional<WicFile> kind = KindByEnding(path);
-    if (!kind.has_value()) {
-        return "the name does not end in .bmp, .png, .tif, .tiff, .gif, .jpg or .jpeg";
-    }
-    const std::optional<DibView> view = DibView::Open(block);
-    if (!view.has_value()) {
-        return DibStatusText(CheckPackedDib(block).status);
-    }
-    if (!IsReadableDepth(view->BitCount())) {
-        return "a picture of " + std::to_string(view->BitCount()) + " bits per pixel cannot be written";
-    }
-    const ComScope scope;
-    Replacement replacement(path);
-    std::string error = replacement.Create();
-    if (error.empty()) {
-        const SourceBlock source{block, *view};
-        error = *kind == WicFile::Bmp ? SaveBitmapFile(replacement.Path(), source) : SaveWic(replacement.Path(), source, *kind);
-    }
-    return error.empty() ? replacement.Commit() : error;
 }
 
 }  // namespace
@@ -257,7 +193,13 @@ LoadedPicture LoadPicture(const std::filesystem::path& path) {
 
 std::string SavePicture(const std::filesystem::path& path, std::span<const std::byte> block) {
     try {
-        return SaveChecked(path, block);
+        const std::optional<WicFile> kind = KindByEnding(path);
+        if (!kind.has_value()) {
+            return "the name does not end in .bmp, .png, .tif, .tiff, .gif, .jpg or .jpeg";
+        }
+        const DibCheck check = CheckPackedDib(block);
+        const SaveResult result = SavePictureAs(path, block, *kind, WicStyle{});
+        return result.fault == SaveFault::Bitmap ? DibStatusText(check.status) : SaveText(result, *kind, check.figures.nBitCount);
     } catch (const std::exception&) {
         return "not enough memory";
     }

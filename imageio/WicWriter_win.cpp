@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -14,7 +13,6 @@ namespace width {
 namespace {
 
 constexpr double kMetersPerInch = 0.0254;
-constexpr float kJpegQuality = 0.95F;
 
 enum class Rows { AsTheyStand, Indices, Levels, Colours };
 
@@ -61,14 +59,21 @@ WritePlan PlanFor(const DibView& view, WicFile kind) {
 
 class WicWriter {
 public:
-    WicWriter(IWICImagingFactory& factory, const DibView& view, WicFile kind)
-        : m_factory(factory), m_view(view), m_file(kind), m_plan(PlanFor(view, kind)) {}
+    WicWriter(IWICImagingFactory& factory, const DibView& view, WicFile kind, const WicStyle& style)
+        : m_factory(factory), m_view(view), m_file(kind), m_style(style), m_plan(PlanFor(view, kind)) {}
 
-    bool Write(const std::filesystem::path& path);
+    HRESULT Write(const std::filesystem::path& path);
 
 private:
+    /// Keeps the first failure.
+    bool Ok(HRESULT nResult) {
+        if (FAILED(nResult) && SUCCEEDED(m_nFailure)) {
+            m_nFailure = nResult;
+        }
+        return SUCCEEDED(nResult);
+    }
     bool Open(const std::filesystem::path& path);
-    bool SetOptions(IPropertyBag2& options) const;
+    bool SetOptions(IPropertyBag2& options);
     bool SetFigures();
     bool SetResolution();
     bool SetTable();
@@ -78,11 +83,13 @@ private:
     IWICImagingFactory& m_factory;
     const DibView& m_view;
     WicFile m_file;
+    WicStyle m_style;
     WritePlan m_plan;
     std::array<Colour, 256> m_colours = m_view.Palette();
     Com<IWICStream> m_pStream;
     Com<IWICBitmapEncoder> m_pEncoder;
     Com<IWICBitmapFrameEncode> m_pFrame;
+    HRESULT m_nFailure = S_OK;
 };
 
 const GUID& ContainerOf(WicFile kind) {
@@ -102,12 +109,12 @@ const GUID& ContainerOf(WicFile kind) {
 
 bool WicWriter::Open(const std::filesystem::path& path) {
     m_pStream = MakeCom<IWICStream>([&](IWICStream** pp) { return m_factory.CreateStream(pp); });
-    if (m_pStream == nullptr || FAILED(m_pStream->InitializeFromFilename(path.c_str(), GENERIC_WRITE))) {
+    if (m_pStream == nullptr || !Ok(m_pStream->InitializeFromFilename(path.c_str(), GENERIC_WRITE))) {
         return false;
     }
     m_pEncoder = MakeCom<IWICBitmapEncoder>(
         [&](IWICBitmapEncoder** pp) { return m_factory.CreateEncoder(ContainerOf(m_file), nullptr, pp); });
-    if (m_pEncoder == nullptr || FAILED(m_pEncoder->Initialize(m_pStream.get(), WICBitmapEncoderNoCache))) {
+    if (m_pEncoder == nullptr || !Ok(m_pEncoder->Initialize(m_pStream.get(), WICBitmapEncoderNoCache))) {
         return false;
     }
     Com<IPropertyBag2> pOptions;
@@ -117,12 +124,10 @@ bool WicWriter::Open(const std::filesystem::path& path) {
         pOptions.reset(pBag);
         return nResult;
     });
-    return m_pFrame != nullptr && (pOptions == nullptr || SetOptions(*pOptions)) &&
-           SUCCEEDED(m_pFrame->Initialize(pOptions.get()));
+    return m_pFrame != nullptr && (pOptions == nullptr || SetOptions(*pOptions)) && Ok(m_pFrame->Initialize(pOptions.get()));
 }
 
-// Near the best for JPEG, whose blocks would move edges; small files for TIFF.
-bool WicWriter::SetOptions(IPropertyBag2& options) const {
+bool WicWriter::SetOptions(IPropertyBag2& options) {
     std::array<wchar_t, 32> name{};
     PROPBAG2 property{};
     property.pstrName = name.data();
@@ -130,15 +135,19 @@ bool WicWriter::SetOptions(IPropertyBag2& options) const {
     if (m_file == WicFile::Jpeg) {
         std::wstring(L"ImageQuality").copy(name.data(), name.size() - 1);
         value.vt = VT_R4;
-        value.fltVal = kJpegQuality;
+        value.fltVal = static_cast<float>(m_style.nJpegQuality) / 100.0F;
     } else if (m_file == WicFile::Tiff) {
         std::wstring(L"TiffCompressionMethod").copy(name.data(), name.size() - 1);
         value.vt = VT_UI1;
-        value.bVal = WICTiffCompressionLZW;
+        value.bVal = static_cast<BYTE>(m_style.nTiffCompression);
+    } else if (m_file == WicFile::Png) {
+        std::wstring(L"InterlaceOption").copy(name.data(), name.size() - 1);
+        value.vt = VT_BOOL;
+        value.boolVal = m_style.bPngInterlaced ? VARIANT_TRUE : VARIANT_FALSE;
     } else {
         return true;
     }
-    return SUCCEEDED(options.Write(1, &property, &value));
+    return Ok(options.Write(1, &property, &value));
 }
 
 // Dots per inch; JPEG has whole numbers only, to which some versions of the component cut off instead of rounding.
@@ -158,7 +167,7 @@ bool WicWriter::SetResolution() {
 }
 
 bool WicWriter::SetFigures() {
-    if (FAILED(m_pFrame->SetSize(static_cast<UINT>(m_view.Width()), static_cast<UINT>(m_view.Height()))) || !SetResolution()) {
+    if (!Ok(m_pFrame->SetSize(static_cast<UINT>(m_view.Width()), static_cast<UINT>(m_view.Height()))) || !SetResolution()) {
         return false;
     }
     GUID format = m_plan.format;
@@ -209,44 +218,24 @@ bool WicWriter::WriteRows() {
     std::vector<std::uint8_t> scratch(std::size_t{3} * nWidth);
     for (std::uint32_t y = 0; y < static_cast<std::uint32_t>(m_view.Height()); ++y) {
         auto* pRow = const_cast<BYTE*>(FileRow(y, scratch));  // only read
-        if (FAILED(m_pFrame->WritePixels(1, nStride, nStride, pRow))) {
+        if (!Ok(m_pFrame->WritePixels(1, nStride, nStride, pRow))) {
             return false;
         }
     }
     return true;
 }
 
-bool WicWriter::Write(const std::filesystem::path& path) {
-    return Open(path) && SetFigures() && SetTable() && WriteRows() && SUCCEEDED(m_pFrame->Commit()) &&
-           SUCCEEDED(m_pEncoder->Commit());
-}
-
-std::string RefusalOf(const DibView& view, WicFile kind) {
-    constexpr std::int32_t kMaxGifSide = std::numeric_limits<std::uint16_t>::max();
-    constexpr std::int32_t kMaxJpegSide = 65500;
-    if (kind == WicFile::Gif && view.BitCount() > 8) {
-        return "a GIF picture has at most 256 colours, this one has 24 or more bits per pixel";
-    }
-    const std::int32_t nMaxSide = kind == WicFile::Gif ? kMaxGifSide : kMaxJpegSide;
-    const bool bLimited = kind == WicFile::Gif || kind == WicFile::Jpeg;
-    if (bLimited && std::max(view.Width(), view.Height()) > nMaxSide) {
-        return std::string("the picture is too large for a ") + WicFileName(kind) + " file";
-    }
-    return {};
+HRESULT WicWriter::Write(const std::filesystem::path& path) {
+    const bool bDone =
+        Open(path) && SetFigures() && SetTable() && WriteRows() && Ok(m_pFrame->Commit()) && Ok(m_pEncoder->Commit());
+    return bDone || FAILED(m_nFailure) ? m_nFailure : E_FAIL;
 }
 
 }  // namespace
 
-std::string SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind) {
-    if (std::string refusal = RefusalOf(source.view, kind); !refusal.empty()) {
-        return refusal;
-    }
+HRESULT SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind, const WicStyle& style) {
     const Com<IWICImagingFactory> pFactory = MakeWicFactory();
-    if (pFactory == nullptr) {
-        return "the system's imaging component is missing";
-    }
-    const bool bDone = WicWriter(*pFactory, source.view, kind).Write(path);
-    return bDone ? std::string() : std::string("the ") + WicFileName(kind) + " picture cannot be written";
+    return pFactory == nullptr ? REGDB_E_CLASSNOTREG : WicWriter(*pFactory, source.view, kind, style).Write(path);
 }
 
 }  // namespace width

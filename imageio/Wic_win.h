@@ -67,9 +67,17 @@ const char* WicFileName(WicFile kind) noexcept;
 /// head   what the file says beside its pixels
 LoadedPicture LoadWic(std::span<const std::byte> file, WicFile kind, const PictureHead& head);
 
+/// How a format is written where it leaves a choice. The defaults are near the best for JPEG, whose blocks would move
+/// edges, and small files for TIFF. A component may take such a wish and not follow it.
+struct WicStyle {
+    std::int32_t nJpegQuality = 95;  ///< 1..100
+    WICTiffCompressionOption nTiffCompression = WICTiffCompressionLZW;
+    bool bPngInterlaced = false;
+};
+
 /// Writes a block to a file that is there already and gets new contents. Within a ComScope.
-/// kind      not Bmp
-/// returns   an empty text, or one line in English without the file's name
-std::string SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind);
+/// kind      not Bmp, and one that can hold the picture
+/// returns   a failure code of the component, or success
+HRESULT SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind, const WicStyle& style);
 
 }  // namespace width

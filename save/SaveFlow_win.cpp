@@ -81,8 +81,9 @@ std::wstring Widen(const char* pszText) {
 std::string NarrowPath(const std::wstring& path) {
     std::array<char, kPathBytes> narrow{};
     BOOL bReplaced = FALSE;
-    const int nBytes = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, path.c_str(), -1, narrow.data(),
-                                             static_cast<int>(narrow.size()), nullptr, &bReplaced);
+    const bool bUtf8 = ::GetACP() == CP_UTF8;  // holds everything, and may not be asked about replacements
+    const int nBytes = ::WideCharToMultiByte(CP_ACP, bUtf8 ? 0 : WC_NO_BEST_FIT_CHARS, path.c_str(), -1, narrow.data(),
+                                             static_cast<int>(narrow.size()), nullptr, bUtf8 ? nullptr : &bReplaced);
     return nBytes > 0 && bReplaced == FALSE ? std::string(narrow.data()) : std::string();
 }
 
