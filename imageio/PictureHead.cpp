@@ -158,6 +158,19 @@ PictureHead ReadJpegHead(std::span<const std::byte> bytes) noexcept {
     return head;
 }
 
+TiffTable FindTiffTable(std::span<const std::byte> bytes) noexcept {
+    constexpr std::uint16_t kColourMap = 320;
+    constexpr std::uint16_t kShort = 3;
+    const FileNumbers file(bytes, !bytes.empty() && bytes.front() == std::byte{'M'});
+    const auto map = FindField(file, kColourMap);
+    if (!map.has_value() || map->Type() != kShort) {
+        return {};
+    }
+    const std::uint32_t nNumbers = file.Word(map->nEntry + 4);
+    const std::uint32_t nOffset = file.Word(map->nEntry + 8);
+    return file.Has(nOffset, std::uint64_t{2} * nNumbers) ? TiffTable{nOffset, nNumbers / 3} : TiffTable{};
+}
+
 PictureHead ReadTiffHead(std::span<const std::byte> bytes) noexcept {
     constexpr std::uint16_t kOrientation = 274;
     constexpr std::uint16_t kXResolution = 282;

@@ -26,4 +26,11 @@ PictureHead ReadPngHead(std::span<const std::byte> file) noexcept;
 PictureHead ReadJpegHead(std::span<const std::byte> file) noexcept;
 PictureHead ReadTiffHead(std::span<const std::byte> file) noexcept;
 
+/// Where the colour table of a TIFF picture lies: all reds, all greens, all blues, 16 bits each.
+struct TiffTable {
+    std::size_t nOffset = 0;   ///< in bytes from the file's start
+    std::size_t nColours = 0;  ///< 0: there is no table, or it does not lie in the file
+};
+TiffTable FindTiffTable(std::span<const std::byte> file) noexcept;
+
 }  // namespace width

@@ -2,12 +2,17 @@
 #include "imageio/PictureSaver_win.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <exception>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
+#include <vector>
 
 #include "imageio/PlainBmp.h"
 
@@ -104,14 +109,48 @@ SaveResult FaultOf(HRESULT nResult) noexcept {
                                                        : SaveResult{SaveFault::Component, 0};
 }
 
+struct CloseFile {
+    void operator()(std::FILE* pFile) const { std::fclose(pFile); }
+};
+
+/// Gives a TIFF picture's colour table its 16-bit values. Some versions of the component leave their low bytes 0, and other
+/// programs then read colours that are one level too dark. Both bytes are alike, so the byte order does not matter.
+SaveResult StoreTiffColours(const std::filesystem::path& path, const DibView& view) {
+    const std::unique_ptr<std::FILE, CloseFile> pFile(_wfopen(path.c_str(), L"r+b"));
+    std::error_code error;
+    const auto nBytes = std::filesystem::file_size(path, error);
+    std::vector<std::byte> file(error ? 0 : static_cast<std::size_t>(nBytes));
+    if (pFile == nullptr || error || std::fread(file.data(), 1, file.size(), pFile.get()) != file.size()) {
+        return SystemFault(GetLastError());
+    }
+    const TiffTable table = FindTiffTable(file);
+    if (table.nColours == 0) {
+        return kDone;  // grey levels
+    }
+    const std::array<Colour, 256> colours = view.Palette();
+    std::vector<std::uint8_t> values;
+    for (const auto part : {&Colour::red, &Colour::green, &Colour::blue}) {
+        for (std::size_t i = 0; i < table.nColours; ++i) {
+            values.insert(values.end(), 2, i < colours.size() ? colours[i].*part : std::uint8_t{0});
+        }
+    }
+    const bool bStored = _fseeki64(pFile.get(), static_cast<std::int64_t>(table.nOffset), SEEK_SET) == 0 &&
+                         std::fwrite(values.data(), 1, values.size(), pFile.get()) == values.size() &&
+                         std::fflush(pFile.get()) == 0;
+    return bStored ? kDone : SystemFault(GetLastError());
+}
+
 SaveResult SaveChecked(const std::filesystem::path& path, const SourceBlock& source, WicFile kind, const WicStyle& style) {
     const ComScope scope;
     Replacement replacement(path);
     if (const DWORD nError = replacement.Create(); nError != ERROR_SUCCESS) {
         return SystemFault(nError);
     }
-    const SaveResult result = kind == WicFile::Bmp ? SaveBitmapFile(replacement.Path(), source)
-                                                   : FaultOf(SaveWic(replacement.Path(), source, kind, style));
+    SaveResult result = kind == WicFile::Bmp ? SaveBitmapFile(replacement.Path(), source)
+                                             : FaultOf(SaveWic(replacement.Path(), source, kind, style));
+    if (result.fault == SaveFault::None && kind == WicFile::Tiff && source.view.BitCount() <= 8) {
+        result = StoreTiffColours(replacement.Path(), source.view);
+    }
     if (result.fault != SaveFault::None) {
         return result;
     }

@@ -63,6 +63,18 @@ TEST(PictureHead, TiffFieldsOfEitherByteOrder) {
     EXPECT_EQ(ReadTiffHead(Bytes(big.begin(), big.end() - 3)).nYPelsPerMeter, 0);
 }
 
+TEST(PictureHead, ATiffColourTableLiesInItsFile) {
+    const auto file = [](int nType, int nNumbers, int nOffset) {
+        return BytesOf({'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0}) + BytesOf({0x40, 1, nType, 0, nNumbers, 0, 0, 0, nOffset, 0, 0, 0}) +
+               BytesOf({0, 0, 0, 0}) + Bytes(12);
+    };
+    EXPECT_EQ(FindTiffTable(file(3, 6, 26)).nOffset, 26U);
+    EXPECT_EQ(FindTiffTable(file(3, 6, 26)).nColours, 2U);
+    EXPECT_EQ(FindTiffTable(file(3, 6, 27)).nColours, 0U) << "one byte too far";
+    EXPECT_EQ(FindTiffTable(file(4, 6, 26)).nColours, 0U);
+    EXPECT_EQ(FindTiffTable({}).nColours, 0U);
+}
+
 TEST(PictureHead, NoBytesLeadBeyondTheFileOrInCircles) {
     std::mt19937 random(7);
     for (const auto& entry : fs::directory_iterator(fs::path(WIDTH_TEST_DATA) / "pictures")) {
