@@ -20,7 +20,8 @@ namespace {
 
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255);
 constexpr int kViewId = 59648, kToolBarId = 59392;
-constexpr int kFileNameId = 1148;  // of the system's file dialogs
+constexpr int kFileNameId = 1148, kFileTypeId = 1136;  // of the system's file dialogs
+constexpr int kPngType = 1;                            // the place of PNG in the plug-in's list of types
 constexpr int kMarkRadius = 6;
 
 // The host as a running program.
@@ -99,6 +100,7 @@ public:
     void PickEnds();
     void PlaceLabel();
     void WriteToBitmap();
+    void SaveAsPng();
     void SendBack();
     void SaveInHost();
     void Leave();
@@ -202,6 +204,25 @@ void Walker::WriteToBitmap() {
     PressOk(hBox, "the message");
 }
 
+void Walker::SaveAsPng() {
+    const std::wstring path = std::filesystem::absolute(m_plan.prefix + L"saved.png").wstring();
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+    Command(m_hFrame, ID_FILE_SAVE_AS_PICTURE);
+    const HWND hDlg = m_host.Dialog("the save dialog");
+    const HWND hTypes = GetDlgItem(hDlg, kFileTypeId);
+    SendMessageW(hTypes, CB_SETCURSEL, kPngType, 0);
+    SendMessageW(hDlg, WM_COMMAND, MAKEWPARAM(kFileTypeId, CBN_SELENDOK), reinterpret_cast<LPARAM>(hTypes));
+    Type(hDlg, kFileNameId, path.substr(path.find_last_of(L"\\/") + 1));
+    Shot(L"save-as");
+    Type(hDlg, kFileNameId, path);
+    PressOk(hDlg, "the save dialog");
+    Until("the picture to be saved", [&] { return !IsOnToolBar(ID_FILE_SAVE, TB_ISBUTTONENABLED); });
+    if (!CarriesText(path, m_plan.text, L"Times New Roman", -13, kBlue)) {
+        throw std::runtime_error("the saved picture does not carry the label's text");
+    }
+}
+
 // The host gets the picture, then the window is closed.
 void Walker::SendBack() {
     Command(m_hFrame, ID_SEND_IMAGE);
@@ -241,6 +262,7 @@ void Walk(const Plan& plan) {
     walker.PickEnds();
     walker.PlaceLabel();
     walker.WriteToBitmap();
+    walker.SaveAsPng();
     walker.SendBack();
     walker.SaveInHost();
     walker.Leave();
