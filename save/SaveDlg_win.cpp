@@ -131,9 +131,13 @@ void CSaveDlg::OnControl(UINT nID, UINT nCode) {
     }
 }
 
+// The library's dialog belongs to the frame, so it would leave this one open to clicks.
 void CSaveDlg::OnOption() {
-    m_options =
-        iopt_Dlg(g_bChinese, static_cast<std::int32_t>(m_nFormat), g_pMainFrame != nullptr ? g_pMainFrame->m_hWnd : nullptr);
+    const HWND hFrame = g_pMainFrame != nullptr ? g_pMainFrame->m_hWnd : nullptr;
+    ::EnableWindow(Platform(), FALSE);
+    m_options = iopt_Dlg(g_bChinese, static_cast<std::int32_t>(m_nFormat), hFrame);
+    ::EnableWindow(Platform(), TRUE);
+    ::SetActiveWindow(Platform());
 }
 
 // A name that the library can't be told is refused here, where the user can still choose another.
