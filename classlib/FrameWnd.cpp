@@ -6,6 +6,7 @@
 
 #include "classlib/ControlBar.h"
 #include "classlib/ScrollView.h"
+#include "classlib/StatusBar.h"
 #include "classlib/Thread.h"
 
 namespace {
@@ -81,6 +82,7 @@ bool CFrameWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lR
         Msg<WM_SETFOCUS, &CFrameWnd::OnSetFocus>(),
         Msg<WM_ERASEBKGND, &CFrameWnd::OnEraseBkgnd>(),
         Msg<WM_INITMENUPOPUP, &CFrameWnd::OnInitMenuPopup>(),
+        Msg<WM_SETMESSAGESTRING, &CFrameWnd::OnSetMessageString>(),
     };
     return Dispatch(kTable, message, wParam, lParam, lResult) || CWnd::OnWndMsg(message, wParam, lParam, lResult);
 }
@@ -90,11 +92,14 @@ int CFrameWnd::OnCreate(CREATESTRUCTW*) {
 }
 
 void CFrameWnd::OnClose() {
-    DestroyWindow();
+    if (m_pPreviewState == nullptr || m_pPreviewState->lpfnCloseProc(this)) {
+        DestroyWindow();
+    }
 }
 
 void CFrameWnd::OnDestroy() {
     m_pViewActive = nullptr;
+    m_pPreviewState = nullptr;
     if (m_hMenuAside != nullptr) {
         ::DestroyMenu(std::exchange(m_hMenuAside, nullptr));
     }
@@ -178,17 +183,26 @@ void CFrameWnd::RecalcLayout() {
     ::SetWindowPos(GetDlgItem(AFX_IDW_PANE_FIRST), nullptr, rcFree.left, rcFree.top, cx, cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void CFrameWnd::OnSetPreviewMode(bool bPreview, CPreviewFrameState& state) {
-    if (!bPreview) {
-        ::SetMenu(m_hWnd, std::exchange(m_hMenuAside, nullptr));
-        ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_FIRST);
-        ::ShowWindow(state.hPane, SW_SHOWNA);
-        for (CControlBar* const pBar : state.bars) {
-            pBar->ShowWindow(SW_SHOWNA);
-        }
-        state = {};
-        return;
+LRESULT CFrameWnd::OnSetMessageString(WPARAM wParam, LPARAM lParam) {
+    const auto nID = static_cast<UINT>(wParam);
+    auto* const pBar = dynamic_cast<CStatusBar*>(FromHandle(GetDlgItem(AFX_IDW_STATUS_BAR)));
+    if (pBar != nullptr && (lParam != 0 || nID != 0)) {
+        const std::wstring text = lParam != 0 ? reinterpret_cast<const wchar_t*>(lParam) : AfxLoadString(nID);
+        pBar->SetPaneText(pBar->CommandToIndex(0), text.c_str());
     }
+    return static_cast<LRESULT>(std::exchange(m_nIDLastMessage, nID));
+}
+
+void CFrameWnd::OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState) {
+    m_pPreviewState = bPreview ? pState : nullptr;
+    if (bPreview) {
+        PutAside(*pState);
+    } else {
+        BringBack(*pState);
+    }
+}
+
+void CFrameWnd::PutAside(CPrintPreviewState& state) {
     m_hMenuAside = ::GetMenu(m_hWnd);
     ::SetMenu(m_hWnd, nullptr);
     state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
@@ -196,11 +210,26 @@ void CFrameWnd::OnSetPreviewMode(bool bPreview, CPreviewFrameState& state) {
     ::ShowWindow(state.hPane, SW_HIDE);
     for (HWND hWnd = ::GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr; hWnd = ::GetWindow(hWnd, GW_HWNDNEXT)) {
         auto* const pBar = dynamic_cast<CControlBar*>(FromHandle(hWnd));
-        if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0) {
+        if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0 && pBar->GetDlgCtrlID() != AFX_IDW_STATUS_BAR) {
             state.bars.push_back(pBar);
         }
     }
     for (CControlBar* const pBar : state.bars) {
         pBar->ShowWindow(SW_HIDE);
     }
+}
+
+// The pane has its id back before the menu changes the client area and with it the layout.
+void CFrameWnd::BringBack(CPrintPreviewState& state) {
+    if (const HWND hOther = GetDlgItem(AFX_IDW_PANE_FIRST)) {
+        ::SetWindowLongPtrW(hOther, GWLP_ID, 0);
+    }
+    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_FIRST);
+    ::ShowWindow(state.hPane, SW_SHOWNA);
+    for (CControlBar* const pBar : state.bars) {
+        pBar->ShowWindow(SW_SHOWNA);
+    }
+    state.hPane = nullptr;
+    state.bars.clear();
+    ::SetMenu(m_hWnd, std::exchange(m_hMenuAside, nullptr));
 }

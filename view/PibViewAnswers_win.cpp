@@ -23,12 +23,4 @@ void CPibView::OnSaveAs() {
     OnSave();
 }
 
-void CPibView::OnPrint() {
-    Tell(L"This version does not print. Send the image to the main application.", L"此版本尚不能打印，请将图像发送到主程序。");
-}
-
-void CPibView::OnPrintPreview() {
-    OnPrint();
-}
-
 }  // namespace width

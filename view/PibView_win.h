@@ -4,7 +4,8 @@
 // the labels; nothing else shows, measures or changes the picture. Fields carry the job's state as plain values;
 // handlers gather what a portable function needs, call it, store what comes back, and invalidate.
 // Files: PibView_win.cpp life and state, PibViewPaint_win.cpp, PibViewTools_win.cpp mouse, zoom and cursors,
-// PibViewMeasure_win.cpp picking and labels, PibViewCommands_win.cpp the command table. Tested by: tests/e2e/PluginTest.cpp
+// PibViewMeasure_win.cpp picking and labels, PibViewPrint_win.cpp, PibViewCommands_win.cpp the command table. Tested by:
+// tests/e2e/PluginTest.cpp
 #pragma once
 
 #include <optional>
@@ -17,6 +18,9 @@
 #include "measure/Composition_win.h"
 #include "measure/Picking.h"
 #include "view/Zoom.h"
+
+struct CPrintPreviewState;
+struct CRuntimeClass;
 
 namespace width {
 
@@ -35,6 +39,11 @@ public:
     std::span<const CmdEntry> Commands() const override;
     void OnInitialUpdate() override;
     void OnDraw(CDC* pDC) override;
+    bool OnPreparePrinting(CPrintInfo* pInfo) override;
+    void OnBeginPrinting(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnPrint(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnEndPrinting(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, POINT point, CPreviewView* pView) override;
 
     /// Where client points lie on the image now. Without an image the image is 0 x 0.
     ViewGeometry Geometry() const;
@@ -92,8 +101,8 @@ private:
     void OnEditRedo();
     void OnSave();
     void OnSaveAs();
-    void OnPrint();
-    void OnPrintPreview();
+    void OnFilePrint();
+    void OnFilePrintPreview();
     void OnBinarySetting();
     void OnLabelSetting();
     void OnLineSetting();
@@ -112,6 +121,7 @@ private:
     bool HasImage() const { return m_dib.has_value(); }
     Overlays CurrentOverlays() const;
     bool PaintVisiblePart(CDC& dc, const RECT& rcImage) const;
+    bool DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState);
     void UpdateScrollSizes();
     void InvalidateView();
     void SetZoom(std::int32_t nNum, std::int32_t nDen);
@@ -129,7 +139,8 @@ private:
     void* m_pDib = nullptr;        // the image, from malloc, owned
     std::optional<DibView> m_dib;  // set exactly while m_pDib is
     CComposition m_composition;
-    CFont m_font;  // of the labels: Times New Roman, 10 points
+    CFont m_font;                    // of the labels: Times New Roman, 10 points
+    bool m_bInsidePrinting = false;  // a print run or the start of a preview is under way
 };
 
 }  // namespace width
