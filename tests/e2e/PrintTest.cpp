@@ -1,7 +1,9 @@
 // Printing and print preview of a running job: a page on paper, as another program sees it, and the page on the screen.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "res/resource.h"
 #include "tests/e2e/PluginJob.h"
@@ -20,7 +22,8 @@ using test::WaitFor;
 
 constexpr WORD kEnglish = 0x0409;
 constexpr WORD kChinese = 0x0804;
-constexpr UINT kPane = 59648, kPreviewBar = 59394, kStatusBar = 59393, kToolBar = 59392;
+constexpr UINT kPreviewBar = 59394, kStatusBar = 59393;
+constexpr int kPaneSize = 1, kPaneZoom = 2;
 constexpr COLORREF kWhite = RGB(255, 255, 255);
 
 bool IsInk(COLORREF clr) {
@@ -67,6 +70,13 @@ RECT ExpectedOnPaper(const DibView& dib) {
     const int cx = static_cast<int>(cxFull * dScale), cy = static_cast<int>(cyFull * dScale);
     const LONG x = rcPage.left + (cxPage - cx) / 2, y = rcPage.top + (cyPage - cy) / 2;
     return {x, y, x + cx, y + cy};
+}
+
+/// Starts a job and waits until its picture has arrived.
+bool StartWith(PluginJob& job, const std::vector<std::byte>& block) {
+    const DibView dib = *DibView::Open(block);
+    const std::wstring size = std::to_wstring(dib.Width()) + L" x " + std::to_wstring(dib.Height());
+    return job.Start(block) != nullptr && job.WaitForPane(kPaneSize, size);
 }
 
 class PrintTest : public ::testing::Test {
@@ -116,7 +126,7 @@ TEST_F(PrintTest, APageComesOutWithThePictureInItsPlace) {
         SCOPED_TRACE(std::to_string(dib.Width()) + " x " + std::to_string(dib.Height()));
         m_printer.DeleteOutput();
         PluginJob job(kEnglish);
-        ASSERT_NE(job.Start(block), nullptr);
+        ASSERT_TRUE(StartWith(job, block));
         PrintWithDialog(job);
         ASSERT_TRUE(m_printer.WaitForDocument());
         EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
@@ -124,6 +134,163 @@ TEST_F(PrintTest, APageComesOutWithThePictureInItsPlace) {
         ASSERT_TRUE(page.has_value());
         ExpectPictureOnPaper(*page, dib);
     }
+}
+
+TEST_F(PrintTest, BoxEndsTheRunAndCancelledDialogPrintsNothing) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
+    PrintWithDialog(job, IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+    EXPECT_EQ(m_printer.Output(), "");
+
+    PrintWithDialog(job);
+    HWND hBox = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        hBox = test::FindTopWindow(0, L"#32770");
+        return hBox != nullptr && ::GetDlgItem(hBox, IDC_PRINT_PRINTER) != nullptr;
+    }));
+    EXPECT_FALSE(::IsWindowEnabled(job.Frame()));
+    EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDC_PRINT_DOCUMENT)), L"Width");
+    EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDC_PRINT_PRINTER)), L"Width test");
+    test::PostCommand(hBox, IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+    EXPECT_EQ(m_printer.Output().find("%%EOF"), std::string::npos);
+    EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr) << "the user's own wish is no failure";
+    EXPECT_TRUE(job.Close());
+}
+
+TEST_F(PrintTest, ClosingWhileThePageIsPrintedEndsTheJob) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
+    PrintWithDialog(job);
+    ASSERT_TRUE(WaitFor([&] { return ::GetDlgItem(test::FindTopWindow(0, L"#32770"), IDC_PRINT_PRINTER) != nullptr; }));
+    EXPECT_TRUE(job.Close());
+}
+
+// The preview as the frame's children show it.
+struct Preview {
+    explicit Preview(const PluginJob& job) : m_job(job) { job.Command(ID_FILE_PRINT_PREVIEW); }
+    HWND View() const { return m_job.View(); }
+    HWND Bar() const { return ::GetDlgItem(m_job.Frame(), kPreviewBar); }
+    void Press(UINT nId) const {
+        m_job.Send(Bar(), WM_COMMAND, MAKEWPARAM(nId, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(::GetDlgItem(Bar(), static_cast<int>(nId))));
+    }
+    bool IsEnabled(UINT nId) const { return ::IsWindowEnabled(::GetDlgItem(Bar(), static_cast<int>(nId))) != FALSE; }
+    Raster Shown() const {
+        m_job.Paint();
+        return ClientRaster(View());
+    }
+
+private:
+    const PluginJob& m_job;
+};
+
+// The sheet on the screen: the picture's rectangle and colours, reduced from paper to sheet.
+void ExpectPictureOnSheet(const Raster& shown, const DibView& dib) {
+    const COLORREF clrGround = ::GetSysColor(COLOR_APPWORKSPACE);
+    const RECT rcSheet = shown.Box([](COLORREF clr) { return clr == kWhite; });
+    ASSERT_GT(rcSheet.right - rcSheet.left, 200);
+    const double dScale = static_cast<double>(rcSheet.right - rcSheet.left) / TestPrinter::kPaper.cx;
+    EXPECT_NEAR(rcSheet.bottom - rcSheet.top, TestPrinter::kPaper.cy * dScale, 1.5);
+    EXPECT_EQ(shown.At(rcSheet.left - 1, rcSheet.top - 1), RGB(0, 0, 0)) << "the sheet's edge";
+    EXPECT_EQ(shown.At(rcSheet.left - 3, rcSheet.top - 3), clrGround);
+    const RECT rcPaper = ExpectedOnPaper(dib);
+    const auto onSheet = [&](double x, double y) {
+        return POINT{rcSheet.left + static_cast<LONG>(std::lround(x * dScale)),
+                     rcSheet.top + static_cast<LONG>(std::lround(y * dScale))};
+    };
+    const POINT ptFirst = onSheet(rcPaper.left, rcPaper.top), ptLast = onSheet(rcPaper.right, rcPaper.bottom);
+    const RECT rc = [&] {
+        Raster sheet = shown;
+        for (int y = 0; y < shown.nHeight; ++y) {
+            for (int x = 0; x < shown.nWidth; ++x) {
+                if (!::PtInRect(&rcSheet, {x, y})) {
+                    sheet.pixels[static_cast<std::size_t>(y * shown.nWidth + x)] = kWhite;
+                }
+            }
+        }
+        return sheet.Box(IsInk);
+    }();
+    EXPECT_NEAR(rc.left, ptFirst.x, 1);
+    EXPECT_NEAR(rc.top, ptFirst.y, 1);
+    EXPECT_NEAR(rc.right, ptLast.x, 1);
+    EXPECT_NEAR(rc.bottom, ptLast.y, 1);
+}
+
+TEST_F(PrintTest, PreviewTakesTheFrameAndGivesItBack) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    job.Command(ID_TOOL_ZOOM);
+    job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+    const HWND hOwnView = job.View();
+    const HMENU hMenu = ::GetMenu(job.Frame());
+    const RECT rcOwnView = test::ClientRect(hOwnView);
+    {
+        const Preview preview(job);
+        ASSERT_NE(preview.Bar(), nullptr);
+        EXPECT_NE(preview.View(), hOwnView);
+        EXPECT_TRUE(::IsWindowVisible(preview.View()));
+        EXPECT_TRUE(::IsWindowVisible(preview.Bar()));
+        EXPECT_TRUE(::IsWindowVisible(::GetDlgItem(job.Frame(), kStatusBar)));
+        EXPECT_FALSE(::IsWindowVisible(hOwnView));
+        EXPECT_FALSE(::IsWindowVisible(job.ToolBar()));
+        EXPECT_EQ(::GetMenu(job.Frame()), nullptr);
+        EXPECT_TRUE(job.WaitForPane(kPaneZoom, L"Zoom: 150%"));
+        preview.Press(ID_PREVIEW_CLOSE);
+        EXPECT_EQ(preview.Bar(), nullptr);
+    }
+    EXPECT_EQ(job.View(), hOwnView);
+    EXPECT_TRUE(::IsWindowVisible(hOwnView));
+    EXPECT_TRUE(::IsWindowVisible(job.ToolBar()));
+    EXPECT_EQ(::GetMenu(job.Frame()), hMenu);
+    const RECT rcAfter = test::ClientRect(hOwnView);
+    EXPECT_TRUE(::EqualRect(&rcAfter, &rcOwnView));
+    EXPECT_TRUE(job.IsMarked(ID_TOOL_ZOOM));
+    EXPECT_EQ(job.Pane(kPaneZoom), L"Zoom: 150%");
+    job.Paint();
+    EXPECT_EQ(test::PixelAt(hOwnView, {rcAfter.right / 2 - 224, rcAfter.bottom / 2 - 149}), RGB(0, 147, 150));
+    EXPECT_TRUE(job.Close());
+}
+
+TEST_F(PrintTest, PreviewShowsThePageAtEveryZoom) {
+    const std::vector<std::byte> block = Patchwork(300, 200);
+    const DibView dib = *DibView::Open(block);
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, block));
+    const Preview preview(job);
+    ExpectPictureOnSheet(preview.Shown(), dib);
+    test::SaveScreenshot(L"C:\\whole.bmp");
+    EXPECT_TRUE(WaitFor([&] { return preview.IsEnabled(ID_PREVIEW_ZOOM_IN) && !preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); }));
+
+    const auto hasBars = [&] { return (::GetWindowLongPtrW(preview.View(), GWL_STYLE) & (WS_HSCROLL | WS_VSCROLL)) != 0; };
+    EXPECT_FALSE(hasBars());
+    const auto inkWidth = [&] {
+        const RECT rc = preview.Shown().Box([&](COLORREF clr) {
+            return IsInk(clr) && clr != RGB(0, 0, 0) && clr != ::GetSysColor(COLOR_APPWORKSPACE) &&
+                   clr != ::GetSysColor(COLOR_3DDKSHADOW);
+        });
+        return rc.right - rc.left;
+    };
+    const LONG nWhole = inkWidth();
+    preview.Press(ID_PREVIEW_ZOOM_IN);
+    const LONG nBetween = inkWidth();
+    preview.Press(ID_PREVIEW_ZOOM_IN);
+    EXPECT_TRUE(hasBars());
+    EXPECT_NEAR(inkWidth(), std::max<LONG>(300, 2 * nWhole), 2) << "true size, unless that is no enlargement";
+    EXPECT_NEAR(2 * nBetween, inkWidth() + nWhole, 4);
+    EXPECT_TRUE(WaitFor([&] { return !preview.IsEnabled(ID_PREVIEW_ZOOM_IN) && preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); }));
+    test::SaveScreenshot(L"C:\\close.bmp");
+    // The middle of the page has stayed in the middle of the window.
+    const Raster close = preview.Shown();
+    EXPECT_TRUE(IsInk(close.At(close.nWidth / 2, close.nHeight / 2)));
+    preview.Press(ID_PREVIEW_ZOOM_OUT);
+    EXPECT_EQ(inkWidth(), nBetween);
+    preview.Press(ID_PREVIEW_ZOOM_OUT);
+    EXPECT_EQ(inkWidth(), nWhole);
+    EXPECT_FALSE(hasBars());
+    preview.Press(ID_PREVIEW_CLOSE);
+    EXPECT_TRUE(job.Close());
 }
 
 }  // namespace
