@@ -200,6 +200,10 @@ void CFrameWnd::OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState) {
     } else {
         BringBack(*pState);
     }
+    // With the menu the client area has moved: what its windows show has to be drawn anew at the new place.
+    if (m_hWnd != nullptr) {  // a null window would mean the whole screen
+        ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    }
 }
 
 void CFrameWnd::PutAside(CPrintPreviewState& state) {

@@ -59,7 +59,7 @@ struct CPrintInfo {
     UINT m_nCurPage = 1;
     RECT m_rectDraw{};           ///< the page in logical coordinates, valid in OnPrint
     UINT m_nIDStatusDialog = 0;  ///< template of the box that is shown while printing; its IDCANCEL ends the run; 0: none
-    std::wstring m_strFailure;   ///< what the user is told when the run can't start; empty: nothing
+    std::wstring m_strFailure;   ///< what the user is told when the run fails; empty: nothing
 
     CPrintInfo() {
         SetMinPage(1);

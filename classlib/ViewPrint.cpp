@@ -122,25 +122,30 @@ bool PrintPages(CView& view, CDC& dc, CPrintInfo& info, const CPrintingBox& box)
     return true;
 }
 
-/// The run between the dialog and the failure's message; false if it could not start.
+/// Prints the document; false on a failure. A run that the user ended is none.
+bool PrintDocument(CView& view, CDC& dc, CPrintInfo& info, const std::wstring& title) {
+    const CPrintingBox box(info, title);
+    ::SetAbortProc(dc, AbortProc);
+    if (!StartDocument(dc, info, title)) {
+        const DWORD dwError = ::GetLastError();  // the system may have asked for a file
+        return t_run.bAborted || dwError == ERROR_CANCELLED || dwError == ERROR_PRINT_CANCELLED;
+    }
+    if (PrintPages(view, dc, info, box)) {
+        return ::EndDoc(dc) > 0 || t_run.bAborted;
+    }
+    ::AbortDoc(dc);
+    return t_run.bAborted;
+}
+
+/// The run behind the dialog.
 bool RunPrinting(CView& view, CPrintInfo& info) {
     const CWnd* const pMain = AfxGetMainWnd();
     const std::wstring title = pMain != nullptr ? pMain->GetWindowText() : std::wstring();
     CPrinterDC dc(info.m_pPD->m_pd.hDC);
     view.OnBeginPrinting(&dc, &info);
-    bool bStarted = false;
-    {
-        const CPrintingBox box(info, title);
-        ::SetAbortProc(dc, AbortProc);
-        bStarted = StartDocument(dc, info, title);
-        if (bStarted) {
-            const auto pfnFinish = PrintPages(view, dc, info, box) ? ::EndDoc : ::AbortDoc;
-            pfnFinish(dc);
-        }
-        bStarted = bStarted || t_run.bAborted;  // the user's wish is no failure
-    }
+    const bool bPrinted = PrintDocument(view, dc, info, title);
     view.OnEndPrinting(&dc, &info);
-    return bStarted;
+    return bPrinted;
 }
 
 }  // namespace

@@ -79,18 +79,28 @@ bool StartWith(PluginJob& job, const std::vector<std::byte>& block) {
     return job.Start(block) != nullptr && job.WaitForPane(kPaneSize, size);
 }
 
+/// Gives the print command and answers the dialog.
+void PrintWithDialog(const PluginJob& job, UINT nAnswer = IDOK) {
+    ::PostMessageW(job.Frame(), WM_COMMAND, ID_FILE_PRINT, 0);
+    const HWND hDlg = test::WaitForWindow(0, L"#32770");
+    ASSERT_NE(hDlg, nullptr);
+    test::PostCommand(hDlg, nAnswer);
+    ASSERT_TRUE(WaitFor([&] { return ::IsWindow(hDlg) == FALSE; }));
+}
+
+/// A message box; other dialogs may come and go before it.
+HWND WaitForMessage() {
+    HWND hBox = nullptr;
+    WaitFor([&] {
+        hBox = test::FindTopWindow(0, L"#32770");
+        return hBox != nullptr && ::GetDlgItem(hBox, IDC_PRINT_PRINTER) == nullptr && !test::MessageBoxText(hBox).empty();
+    });
+    return hBox;
+}
+
 class PrintTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(m_printer.IsReady()); }
-
-    /// Gives the print command and answers the dialog.
-    static void PrintWithDialog(const PluginJob& job, UINT nAnswer = IDOK) {
-        ::PostMessageW(job.Frame(), WM_COMMAND, ID_FILE_PRINT, 0);
-        const HWND hDlg = test::WaitForWindow(0, L"#32770");
-        ASSERT_NE(hDlg, nullptr);
-        test::PostCommand(hDlg, nAnswer);
-        ASSERT_TRUE(WaitFor([&] { return ::IsWindow(hDlg) == FALSE; }));
-    }
 
     TestPrinter m_printer;
 };
@@ -237,6 +247,10 @@ TEST_F(PrintTest, PreviewTakesTheFrameAndGivesItBack) {
         EXPECT_FALSE(::IsWindowVisible(job.ToolBar()));
         EXPECT_EQ(::GetMenu(job.Frame()), nullptr);
         EXPECT_TRUE(job.WaitForPane(kPaneZoom, L"Zoom: 150%"));
+        job.Paint();
+        const RECT rcText =
+            ClientRaster(::GetDlgItem(job.Frame(), kStatusBar)).Box([](COLORREF clr) { return clr == RGB(0, 0, 0); });
+        EXPECT_GT(rcText.right - rcText.left, 200) << "the panes' texts";
         preview.Press(ID_PREVIEW_CLOSE);
         EXPECT_EQ(preview.Bar(), nullptr);
     }
@@ -260,7 +274,6 @@ TEST_F(PrintTest, PreviewShowsThePageAtEveryZoom) {
     ASSERT_TRUE(StartWith(job, block));
     const Preview preview(job);
     ExpectPictureOnSheet(preview.Shown(), dib);
-    test::SaveScreenshot(L"C:\\whole.bmp");
     EXPECT_TRUE(WaitFor([&] { return preview.IsEnabled(ID_PREVIEW_ZOOM_IN) && !preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); }));
 
     const auto hasBars = [&] { return (::GetWindowLongPtrW(preview.View(), GWL_STYLE) & (WS_HSCROLL | WS_VSCROLL)) != 0; };
@@ -280,7 +293,6 @@ TEST_F(PrintTest, PreviewShowsThePageAtEveryZoom) {
     EXPECT_NEAR(inkWidth(), std::max<LONG>(300, 2 * nWhole), 2) << "true size, unless that is no enlargement";
     EXPECT_NEAR(2 * nBetween, inkWidth() + nWhole, 4);
     EXPECT_TRUE(WaitFor([&] { return !preview.IsEnabled(ID_PREVIEW_ZOOM_IN) && preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); }));
-    test::SaveScreenshot(L"C:\\close.bmp");
     // The middle of the page has stayed in the middle of the window.
     const Raster close = preview.Shown();
     EXPECT_TRUE(IsInk(close.At(close.nWidth / 2, close.nHeight / 2)));
@@ -290,6 +302,170 @@ TEST_F(PrintTest, PreviewShowsThePageAtEveryZoom) {
     EXPECT_EQ(inkWidth(), nWhole);
     EXPECT_FALSE(hasBars());
     preview.Press(ID_PREVIEW_CLOSE);
+    EXPECT_TRUE(job.Close());
+}
+
+TEST_F(PrintTest, PreviewWithoutAPictureIsAnEmptyPageAndPrintDoesNothing) {
+    PluginJob job(kEnglish);
+    ASSERT_NE(job.Start(std::vector<std::byte>(50)), nullptr);
+    job.Command(ID_FILE_PRINT);
+    EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr);
+    const Preview preview(job);
+    const Raster shown = preview.Shown();
+    const RECT rcSheet = shown.Box([](COLORREF clr) { return clr == kWhite; });
+    ASSERT_GT(rcSheet.right - rcSheet.left, 200);
+    for (LONG y = rcSheet.top; y < rcSheet.bottom; ++y) {
+        for (LONG x = rcSheet.left; x < rcSheet.right; ++x) {
+            ASSERT_EQ(shown.At(static_cast<int>(x), static_cast<int>(y)), kWhite);
+        }
+    }
+    preview.Press(ID_PREVIEW_PRINT);
+    EXPECT_EQ(preview.Bar(), nullptr);
+    EXPECT_TRUE(job.Close());
+}
+
+TEST_F(PrintTest, CommandsDuringAPreview) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    const HWND hOwnView = job.View();
+    const Preview preview(job);
+    const HWND hView = preview.View();
+    const HWND hBar = preview.Bar();
+
+    job.Command(ID_FILE_PRINT_PREVIEW);
+    EXPECT_EQ(preview.View(), hView) << "one preview at a time";
+    EXPECT_EQ(preview.Bar(), hBar);
+    EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr);
+    for (const UINT nId : {ID_TOOL_ZOOM, ID_VIEW_BEST_FIT, ID_TOOL_WIDTH_LABEL, ID_EDIT_UNDO, ID_FILE_PRINT_SETUP}) {
+        job.Command(nId);
+    }
+    job.Send(job.Frame(), WM_SETFOCUS, 0);
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    ::GetGUIThreadInfo(::GetWindowThreadProcessId(job.Frame(), nullptr), &info);
+    EXPECT_EQ(info.hwndFocus, hView) << "not the hidden view";
+    const int nScroll = ::GetScrollPos(hOwnView, SB_VERT);
+    job.Send(hView, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(512, 300));
+    EXPECT_TRUE(WaitFor([&] { return preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); })) << "a click on the sheet comes nearer";
+    job.Send(hView, WM_KEYDOWN, VK_NEXT);
+    EXPECT_GT(::GetScrollPos(hView, SB_VERT), 0);
+    EXPECT_EQ(::GetScrollPos(hOwnView, SB_VERT), nScroll);
+    ::SetWindowPos(job.Frame(), nullptr, 0, 0, 500, 300, SWP_NOZORDER);
+    preview.Shown();
+    job.Send(hView, WM_KEYDOWN, VK_ESCAPE);
+    EXPECT_EQ(job.View(), hOwnView);
+    EXPECT_FALSE(::IsWindow(hView));
+
+    job.Command(ID_FILE_PRINT_PREVIEW);
+    EXPECT_NE(job.View(), hOwnView);
+    job.Send(job.Frame(), WM_CLOSE, 0);
+    EXPECT_EQ(job.View(), hOwnView) << "closing the window leaves the preview first";
+
+    job.Command(ID_FILE_PRINT_PREVIEW);
+    ::PostMessageW(preview.Bar(), WM_COMMAND, ID_PREVIEW_PRINT, 0);
+    const HWND hDlg = test::WaitForWindow(0, L"#32770");
+    ASSERT_NE(hDlg, nullptr);
+    EXPECT_EQ(job.View(), hOwnView) << "the preview is gone before the dialog comes";
+    job.Command(ID_FILE_PRINT);  // the open dialog lets it through
+    job.Command(ID_FILE_PRINT_PREVIEW);
+    EXPECT_EQ(job.View(), hOwnView);
+    test::PostCommand(hDlg, IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return test::FindTopWindow(0, L"#32770") == nullptr; }));
+    EXPECT_TRUE(job.Close());
+}
+
+TEST_F(PrintTest, JobThatEndsDuringAPreviewEndsInOrder) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    const Preview preview(job);
+    ASSERT_NE(preview.Bar(), nullptr);
+    ::PostThreadMessageW(::GetWindowThreadProcessId(job.Frame(), nullptr), WM_QUIT, 0, 0);
+    EXPECT_TRUE(job.WaitForEnd());
+}
+
+TEST_F(PrintTest, FiftyPreviewsLeaveNothingBehind) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    std::size_t nGdi = 0, nUser = 0;
+    for (int i = 0; i <= 50; ++i) {
+        const Preview preview(job);
+        preview.Shown();
+        for (const UINT nId : {ID_PREVIEW_ZOOM_IN, ID_PREVIEW_ZOOM_IN, ID_PREVIEW_ZOOM_OUT}) {
+            preview.Press(nId);
+            preview.Shown();
+        }
+        preview.Press(ID_PREVIEW_CLOSE);
+        job.Paint();
+        if (i == 0) {
+            nGdi = test::CountGdiObjects();
+            nUser = test::CountUserObjects();
+        }
+    }
+    EXPECT_EQ(test::CountGdiObjects(), nGdi);
+    EXPECT_EQ(test::CountUserObjects(), nUser);
+}
+
+TEST_F(PrintTest, TextsSpeakBothLanguages) {
+    for (const WORD nLang : {kEnglish, kChinese}) {
+        const bool bChinese = nLang == kChinese;
+        PluginJob job(nLang);
+        ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
+        {
+            const Preview preview(job);
+            const auto button = [&](int nId) { return test::TextOf(::GetDlgItem(preview.Bar(), nId)); };
+            EXPECT_EQ(button(ID_PREVIEW_PRINT), bChinese ? L"打印(&P)..." : L"&Print...");
+            EXPECT_EQ(button(ID_PREVIEW_ZOOM_IN), bChinese ? L"放大(&I)" : L"Zoom &In");
+            EXPECT_EQ(button(ID_PREVIEW_ZOOM_OUT), bChinese ? L"缩小(&O)" : L"Zoom &Out");
+            EXPECT_EQ(button(ID_PREVIEW_CLOSE), bChinese ? L"关闭(&C)" : L"&Close");
+            preview.Press(ID_PREVIEW_CLOSE);
+        }
+        PrintWithDialog(job);
+        HWND hBox = nullptr;
+        ASSERT_TRUE(
+            WaitFor([&] { return ::GetDlgItem(hBox = test::FindTopWindow(0, L"#32770"), IDC_PRINT_PRINTER) != nullptr; }));
+        EXPECT_EQ(test::TextOf(hBox), bChinese ? L"打印" : L"Print");
+        EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDCANCEL)), bChinese ? L"取消" : L"Cancel");
+        test::PostCommand(hBox, IDCANCEL);
+        EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+    }
+}
+
+TEST(PrintWithoutPath, RunThatFailsSaysSo) {
+    const TestPrinter printer(L"C:\\no such folder\\page.ps");
+    ASSERT_TRUE(printer.IsReady());
+    for (const WORD nLang : {kEnglish, kChinese}) {
+        PluginJob job(nLang);
+        ASSERT_TRUE(StartWith(job, Patchwork(30, 20)));
+        PrintWithDialog(job);
+        const HWND hBox = WaitForMessage();
+        ASSERT_NE(hBox, nullptr);
+        EXPECT_EQ(test::MessageBoxText(hBox), nLang == kChinese ? L"打印失败。" : L"Printing failed.");
+        test::PostCommand(hBox, IDOK);
+        EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+    }
+}
+
+TEST(PrintWithoutPrinter, SystemSaysSoAndNothingElseHappens) {
+    TestPrinter::Remove();
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    const HWND hOwnView = job.View();
+    for (const UINT nId : {ID_FILE_PRINT, ID_FILE_PRINT_PREVIEW}) {
+        ::PostMessageW(job.Frame(), WM_COMMAND, nId, 0);
+        const HWND hBox = WaitForMessage();
+        ASSERT_NE(hBox, nullptr);
+        if (nId == ID_FILE_PRINT_PREVIEW) {
+            // The frame can be asked to close while the half-made preview waits behind the message.
+            job.Send(job.Frame(), WM_CLOSE, 0);
+        }
+        test::PostCommand(hBox, IDOK);
+        EXPECT_TRUE(
+            WaitFor([&] { return test::FindTopWindow(0, L"#32770") == nullptr && ::IsWindowEnabled(job.Frame()) != FALSE; }));
+        EXPECT_EQ(job.View(), hOwnView);
+        EXPECT_TRUE(::IsWindowVisible(hOwnView));
+        EXPECT_NE(::GetMenu(job.Frame()), nullptr);
+        EXPECT_EQ(::GetDlgItem(job.Frame(), kPreviewBar), nullptr);
+    }
     EXPECT_TRUE(job.Close());
 }
 
