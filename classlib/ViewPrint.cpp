@@ -14,12 +14,26 @@ struct RunState {
 };
 thread_local RunState t_run;
 
-INT_PTR CALLBACK BoxProc(HWND, UINT message, WPARAM wParam, LPARAM) {
+/// What the box says from the start.
+struct BoxTexts {
+    std::wstring document;
+    std::wstring printer;
+    std::wstring port;
+};
+
+INT_PTR CALLBACK BoxProc(HWND hBox, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        const auto& texts = *reinterpret_cast<const BoxTexts*>(lParam);
+        ::SetDlgItemTextW(hBox, AFX_IDC_PRINT_DOCNAME, texts.document.c_str());  // nothing happens without such an item
+        ::SetDlgItemTextW(hBox, AFX_IDC_PRINT_PRINTERNAME, texts.printer.c_str());
+        ::SetDlgItemTextW(hBox, AFX_IDC_PRINT_PORTNAME, texts.port.c_str());
+        return TRUE;
+    }
     if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
         t_run.bAborted = true;
         return TRUE;
     }
-    return message == WM_INITDIALOG ? TRUE : FALSE;
+    return FALSE;
 }
 
 // Lets the user press the box's button. A quit message ends the run, and goes back for the loop that it is meant for.
@@ -37,10 +51,6 @@ BOOL CALLBACK AbortProc(HDC, int) {
     return t_run.bAborted ? FALSE : TRUE;
 }
 
-void SetItemText(HWND hBox, int nID, const std::wstring& text) {
-    ::SetDlgItemTextW(hBox, nID, text.c_str());  // nothing happens without such an item
-}
-
 /// The main window disabled and the box in front of it, for as long as the object lives.
 class CPrintingBox {
 public:
@@ -48,16 +58,16 @@ public:
         const CWnd* const pMain = AfxGetMainWnd();
         m_hMain = pMain != nullptr ? pMain->m_hWnd : nullptr;
         t_run = {};
-        if (info.m_nIDStatusDialog != 0) {
-            t_run.hBox =
-                ::CreateDialogParamW(AfxGetResourceHandle(), MAKEINTRESOURCEW(info.m_nIDStatusDialog), m_hMain, BoxProc, 0);
-        }
         ::EnableWindow(m_hMain, FALSE);
-        SetItemText(t_run.hBox, AFX_IDC_PRINT_DOCNAME, title);
-        SetItemText(t_run.hBox, AFX_IDC_PRINT_PRINTERNAME, info.m_pPD->GetDeviceName());
-        SetItemText(t_run.hBox, AFX_IDC_PRINT_PORTNAME, info.m_pPD->GetPortName());
-        ::ShowWindow(t_run.hBox, SW_SHOW);
-        ::UpdateWindow(t_run.hBox);
+        if (info.m_nIDStatusDialog != 0) {
+            const BoxTexts texts{title, info.m_pPD->GetDeviceName(), info.m_pPD->GetPortName()};
+            t_run.hBox = ::CreateDialogParamW(AfxGetResourceHandle(), MAKEINTRESOURCEW(info.m_nIDStatusDialog), m_hMain, BoxProc,
+                                              reinterpret_cast<LPARAM>(&texts));
+        }
+        if (t_run.hBox != nullptr) {
+            ::ShowWindow(t_run.hBox, SW_SHOW);
+            ::UpdateWindow(t_run.hBox);
+        }
     }
     CPrintingBox(const CPrintingBox&) = delete;
     CPrintingBox& operator=(const CPrintingBox&) = delete;
@@ -69,7 +79,7 @@ public:
         }
         t_run = {};
     }
-    void ShowPage(UINT nPage) const { SetItemText(t_run.hBox, AFX_IDC_PRINT_PAGENUM, std::to_wstring(nPage)); }
+    static void ShowPage(UINT nPage) { ::SetDlgItemTextW(t_run.hBox, AFX_IDC_PRINT_PAGENUM, std::to_wstring(nPage).c_str()); }
 
 private:
     HWND m_hMain = nullptr;
@@ -104,7 +114,7 @@ bool PrintPage(CView& view, CDC& dc, CPrintInfo& info) {
     return ::EndPage(dc) > 0 && AbortProc(dc, 0) != FALSE;
 }
 
-bool PrintPages(CView& view, CDC& dc, CPrintInfo& info, const CPrintingBox& box) {
+bool PrintPages(CView& view, CDC& dc, CPrintInfo& info) {
     const int nFirst = std::clamp(info.GetFromPage(), info.GetMinPage(), info.GetMaxPage());
     const int nLast = std::clamp(info.GetToPage(), info.GetMinPage(), info.GetMaxPage());
     const int nStep = nFirst <= nLast ? 1 : -1;
@@ -114,7 +124,7 @@ bool PrintPages(CView& view, CDC& dc, CPrintInfo& info, const CPrintingBox& box)
         if (!info.m_bContinuePrinting) {
             break;
         }
-        box.ShowPage(info.m_nCurPage);
+        CPrintingBox::ShowPage(info.m_nCurPage);
         if (AbortProc(dc, 0) == FALSE || !PrintPage(view, dc, info)) {
             return false;
         }
@@ -130,7 +140,7 @@ bool PrintDocument(CView& view, CDC& dc, CPrintInfo& info, const std::wstring& t
         const DWORD dwError = ::GetLastError();  // the system may have asked for a file
         return t_run.bAborted || dwError == ERROR_CANCELLED || dwError == ERROR_PRINT_CANCELLED;
     }
-    if (PrintPages(view, dc, info, box)) {
+    if (PrintPages(view, dc, info)) {
         return ::EndDoc(dc) > 0 || t_run.bAborted;
     }
     ::AbortDoc(dc);

@@ -78,7 +78,7 @@ void CPibView::OnFilePrint() {
 
 bool CPibView::OnPreparePrinting(CPrintInfo* pInfo) {
     pInfo->m_nIDStatusDialog = InLanguage(IDD_PRINTING_EN, IDD_PRINTING_ZH);
-    pInfo->m_strFailure = AfxLoadString(InLanguage(IDS_PRINT_FAILED_EN, IDS_PRINT_FAILED_ZH));
+    pInfo->m_strFailure = AfxLoadString(InLanguage(IDS_PRINT_FAILED_EN, IDS_PRINT_FAILED_ZH), g_hModule);
     return DoPreparePrinting(pInfo);
 }
 
@@ -116,7 +116,7 @@ void CPibView::OnFilePrintPreview() {
     if (DoPrintPreview(nBar, this, CPreviewView2::classCPreviewView2, pState.get())) {
         static_cast<void>(pState.release());  // the preview view has it, or had it
     } else {
-        AfxMessageBox(AfxLoadString(InLanguage(IDS_COMMAND_FAILED_EN, IDS_COMMAND_FAILED_ZH)).c_str());
+        AfxMessageBox(AfxLoadString(InLanguage(IDS_COMMAND_FAILED_EN, IDS_COMMAND_FAILED_ZH), g_hModule).c_str());
     }
 }
 

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "res/resource.h"
 #include "tests/e2e/PluginJob.h"
@@ -22,6 +25,7 @@ using test::WaitFor;
 
 constexpr WORD kEnglish = 0x0409;
 constexpr WORD kChinese = 0x0804;
+constexpr UINT_PTR kPane = 59648;
 constexpr UINT kPreviewBar = 59394, kStatusBar = 59393;
 constexpr int kPaneSize = 1, kPaneZoom = 2;
 constexpr COLORREF kWhite = RGB(255, 255, 255);
@@ -88,6 +92,55 @@ void PrintWithDialog(const PluginJob& job, UINT nAnswer = IDOK) {
     ASSERT_TRUE(WaitFor([&] { return ::IsWindow(hDlg) == FALSE; }));
 }
 
+/// Looks at what happens to windows of a job's thread, on that thread, at the moment it happens.
+class WindowHook {
+public:
+    /// onCreate gets each window before it is there and may refuse it; onActivate each one that becomes active.
+    explicit WindowHook(const PluginJob& job, std::function<bool(const CREATESTRUCTW&)> onCreate,
+                        std::function<void(HWND)> onActivate = nullptr) {
+        s_onCreate = std::move(onCreate);
+        s_onActivate = std::move(onActivate);
+        m_hHook = ::SetWindowsHookExW(WH_CBT, Procedure, nullptr, ::GetWindowThreadProcessId(job.Frame(), nullptr));
+    }
+    WindowHook(const WindowHook&) = delete;
+    WindowHook& operator=(const WindowHook&) = delete;
+    ~WindowHook() { ::UnhookWindowsHookEx(m_hHook); }
+
+private:
+    static LRESULT CALLBACK Procedure(int nCode, WPARAM wParam, LPARAM lParam) {
+        if (nCode == HCBT_CREATEWND && s_onCreate && !s_onCreate(*reinterpret_cast<const CBT_CREATEWNDW*>(lParam)->lpcs)) {
+            return 1;
+        }
+        if (nCode == HCBT_ACTIVATE && s_onActivate) {
+            s_onActivate(reinterpret_cast<HWND>(wParam));
+        }
+        return ::CallNextHookEx(nullptr, nCode, wParam, lParam);
+    }
+    inline static std::function<bool(const CREATESTRUCTW&)> s_onCreate;
+    inline static std::function<void(HWND)> s_onActivate;
+    HHOOK m_hHook = nullptr;
+};
+
+/// What the box of a print run says, taken when it comes up; a message is then posted to a window.
+struct BoxAnswer {
+    std::atomic<int> nSeen{0};
+    std::wstring title, document, printer, cancel;
+    bool bFrameEnabled = true;
+
+    void Answer(HWND hWnd, HWND hFrame, UINT message) {
+        if (::GetDlgItem(hWnd, IDC_PRINT_PRINTER) == nullptr || nSeen > 0) {
+            return;
+        }
+        title = test::TextOf(hWnd);
+        document = test::TextOf(::GetDlgItem(hWnd, IDC_PRINT_DOCUMENT));
+        printer = test::TextOf(::GetDlgItem(hWnd, IDC_PRINT_PRINTER));
+        cancel = test::TextOf(::GetDlgItem(hWnd, IDCANCEL));
+        bFrameEnabled = ::IsWindowEnabled(hFrame) != FALSE;
+        ::PostMessageW(message == WM_COMMAND ? hWnd : hFrame, message, IDCANCEL, 0);
+        ++nSeen;
+    }
+};
+
 /// A message box; other dialogs may come and go before it.
 HWND WaitForMessage() {
     HWND hBox = nullptr;
@@ -147,34 +200,38 @@ TEST_F(PrintTest, APageComesOutWithThePictureInItsPlace) {
 }
 
 TEST_F(PrintTest, BoxEndsTheRunAndCancelledDialogPrintsNothing) {
-    PluginJob job(kEnglish);
-    ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
-    PrintWithDialog(job, IDCANCEL);
-    EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
-    EXPECT_EQ(m_printer.Output(), "");
+    for (const WORD nLang : {kEnglish, kChinese}) {
+        const bool bChinese = nLang == kChinese;
+        PluginJob job(nLang);
+        ASSERT_TRUE(StartWith(job, Patchwork(300, 300)));
+        PrintWithDialog(job, IDCANCEL);
+        EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+        EXPECT_EQ(m_printer.Output(), "");
 
-    PrintWithDialog(job);
-    HWND hBox = nullptr;
-    ASSERT_TRUE(WaitFor([&] {
-        hBox = test::FindTopWindow(0, L"#32770");
-        return hBox != nullptr && ::GetDlgItem(hBox, IDC_PRINT_PRINTER) != nullptr;
-    }));
-    EXPECT_FALSE(::IsWindowEnabled(job.Frame()));
-    EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDC_PRINT_DOCUMENT)), L"Width");
-    EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDC_PRINT_PRINTER)), L"Width test");
-    test::PostCommand(hBox, IDCANCEL);
-    EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
-    EXPECT_EQ(m_printer.Output().find("%%EOF"), std::string::npos);
-    EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr) << "the user's own wish is no failure";
-    EXPECT_TRUE(job.Close());
+        BoxAnswer box;
+        const WindowHook hook(job, nullptr, [&](HWND hWnd) { box.Answer(hWnd, job.Frame(), WM_COMMAND); });
+        PrintWithDialog(job);
+        ASSERT_TRUE(WaitFor([&] { return box.nSeen > 0; }));
+        EXPECT_TRUE(
+            WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE && test::FindTopWindow(0, L"#32770") == nullptr; }));
+        EXPECT_FALSE(box.bFrameEnabled);
+        EXPECT_EQ(box.title, bChinese ? L"打印" : L"Print");
+        EXPECT_EQ(box.document, bChinese ? L"宽度" : L"Width");
+        EXPECT_EQ(box.printer, L"Width test");
+        EXPECT_EQ(box.cancel, bChinese ? L"取消" : L"Cancel");
+        EXPECT_EQ(m_printer.Output().find("%%EOF"), std::string::npos);
+        EXPECT_TRUE(job.Close());
+    }
 }
 
 TEST_F(PrintTest, ClosingWhileThePageIsPrintedEndsTheJob) {
     PluginJob job(kEnglish);
-    ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 300)));
+    BoxAnswer box;
+    const WindowHook hook(job, nullptr, [&](HWND hWnd) { box.Answer(hWnd, job.Frame(), WM_CLOSE); });
     PrintWithDialog(job);
-    ASSERT_TRUE(WaitFor([&] { return ::GetDlgItem(test::FindTopWindow(0, L"#32770"), IDC_PRINT_PRINTER) != nullptr; }));
-    EXPECT_TRUE(job.Close());
+    EXPECT_TRUE(job.WaitForEnd());
+    EXPECT_EQ(box.nSeen, 1);
 }
 
 // The preview as the frame's children show it.
@@ -405,28 +462,48 @@ TEST_F(PrintTest, FiftyPreviewsLeaveNothingBehind) {
     EXPECT_EQ(test::CountUserObjects(), nUser);
 }
 
-TEST_F(PrintTest, TextsSpeakBothLanguages) {
+TEST_F(PrintTest, BarSpeaksBothLanguages) {
     for (const WORD nLang : {kEnglish, kChinese}) {
         const bool bChinese = nLang == kChinese;
         PluginJob job(nLang);
-        ASSERT_TRUE(StartWith(job, Patchwork(3000, 3000)));
-        {
-            const Preview preview(job);
-            const auto button = [&](int nId) { return test::TextOf(::GetDlgItem(preview.Bar(), nId)); };
-            EXPECT_EQ(button(ID_PREVIEW_PRINT), bChinese ? L"打印(&P)..." : L"&Print...");
-            EXPECT_EQ(button(ID_PREVIEW_ZOOM_IN), bChinese ? L"放大(&I)" : L"Zoom &In");
-            EXPECT_EQ(button(ID_PREVIEW_ZOOM_OUT), bChinese ? L"缩小(&O)" : L"Zoom &Out");
-            EXPECT_EQ(button(ID_PREVIEW_CLOSE), bChinese ? L"关闭(&C)" : L"&Close");
-            preview.Press(ID_PREVIEW_CLOSE);
+        ASSERT_TRUE(StartWith(job, Patchwork(30, 20)));
+        const Preview preview(job);
+        const auto button = [&](int nId) { return test::TextOf(::GetDlgItem(preview.Bar(), nId)); };
+        EXPECT_EQ(button(ID_PREVIEW_PRINT), bChinese ? L"打印(&P)..." : L"&Print...");
+        EXPECT_EQ(button(ID_PREVIEW_ZOOM_IN), bChinese ? L"放大(&I)" : L"Zoom &In");
+        EXPECT_EQ(button(ID_PREVIEW_ZOOM_OUT), bChinese ? L"缩小(&O)" : L"Zoom &Out");
+        EXPECT_EQ(button(ID_PREVIEW_CLOSE), bChinese ? L"关闭(&C)" : L"&Close");
+        preview.Press(ID_PREVIEW_CLOSE);
+    }
+}
+
+TEST_F(PrintTest, PreviewThatCannotBeBuiltSaysSoAndLeavesTheFrameAsItWas) {
+    for (const WORD nLang : {kEnglish, kChinese}) {
+        PluginJob job(nLang);
+        ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+        const HWND hOwnView = job.View();
+        const RECT rcOwnView = test::ClientRect(hOwnView);
+        for (const bool bRefuseBar : {true, false}) {
+            const WindowHook hook(job, [&](const CREATESTRUCTW& create) {
+                const bool bChild = (create.style & WS_CHILD) != 0 && create.hwndParent == job.Frame();
+                const bool bView = create.hMenu == reinterpret_cast<HMENU>(kPane);
+                return !bChild || bView == bRefuseBar;
+            });
+            ::PostMessageW(job.Frame(), WM_COMMAND, ID_FILE_PRINT_PREVIEW, 0);
+            EXPECT_EQ(test::AnswerBox(), nLang == kChinese ? L"命令失败。" : L"Command failed.");
+            EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+            EXPECT_EQ(job.View(), hOwnView);
+            EXPECT_EQ(::GetDlgItem(job.Frame(), kPreviewBar), nullptr);
+            EXPECT_TRUE(::IsWindowVisible(hOwnView));
+            EXPECT_TRUE(::IsWindowVisible(job.ToolBar()));
+            EXPECT_NE(::GetMenu(job.Frame()), nullptr);
+            const RECT rcAfter = test::ClientRect(hOwnView);
+            EXPECT_TRUE(::EqualRect(&rcAfter, &rcOwnView));
         }
-        PrintWithDialog(job);
-        HWND hBox = nullptr;
-        ASSERT_TRUE(
-            WaitFor([&] { return ::GetDlgItem(hBox = test::FindTopWindow(0, L"#32770"), IDC_PRINT_PRINTER) != nullptr; }));
-        EXPECT_EQ(test::TextOf(hBox), bChinese ? L"打印" : L"Print");
-        EXPECT_EQ(test::TextOf(::GetDlgItem(hBox, IDCANCEL)), bChinese ? L"取消" : L"Cancel");
-        test::PostCommand(hBox, IDCANCEL);
-        EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+        job.Command(ID_FILE_PRINT_PREVIEW);
+        EXPECT_NE(job.View(), hOwnView) << "the next one works";
+        job.Send(job.Frame(), WM_CLOSE, 0);
+        EXPECT_TRUE(job.Close());
     }
 }
 
