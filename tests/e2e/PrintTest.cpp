@@ -10,8 +10,8 @@
 
 #include "res/resource.h"
 #include "tests/e2e/PluginJob.h"
-#include "tests/e2e/TestPrinter.h"
 #include "tests/support/Pictures.h"
+#include "tests/support/TestPrinter.h"
 
 namespace width {
 namespace {

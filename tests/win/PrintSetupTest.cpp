@@ -4,12 +4,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "classlib/ControlBar.h"
 #include "classlib/Print.h"
 #include "module/ModuleState.h"
 #include "res/resource.h"
 #include "shell/Plugin_win.h"
-#include "tests/e2e/TestPrinter.h"
 #include "tests/support/Pictures.h"
+#include "tests/support/TestPrinter.h"
 #include "tests/support/WinDriver.h"
 
 namespace width {

@@ -1,4 +1,4 @@
-#include "tests/e2e/TestPrinter.h"
+#include "tests/support/TestPrinter.h"
 
 // after windows.h
 #include <winspool.h>
