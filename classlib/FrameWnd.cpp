@@ -194,33 +194,34 @@ LRESULT CFrameWnd::OnSetMessageString(WPARAM wParam, LPARAM lParam) {
 }
 
 void CFrameWnd::OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState) {
-    m_pPreviewState = bPreview ? pState : nullptr;
     if (bPreview) {
         PutAside(*pState);
     } else {
         BringBack(*pState);
     }
+    m_pPreviewState = bPreview ? pState : nullptr;
     // With the menu the client area has moved: what its windows show has to be drawn anew at the new place.
     if (m_hWnd != nullptr) {  // a null window would mean the whole screen
         ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     }
 }
 
+// The list comes first: should memory run out, nothing has changed yet.
 void CFrameWnd::PutAside(CPrintPreviewState& state) {
-    m_hMenuAside = ::GetMenu(m_hWnd);
-    ::SetMenu(m_hWnd, nullptr);
-    state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
-    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_SAVE);
-    ::ShowWindow(state.hPane, SW_HIDE);
     for (HWND hWnd = ::GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr; hWnd = ::GetWindow(hWnd, GW_HWNDNEXT)) {
         auto* const pBar = dynamic_cast<CControlBar*>(FromHandle(hWnd));
         if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0 && pBar->GetDlgCtrlID() != AFX_IDW_STATUS_BAR) {
             state.bars.push_back(pBar);
         }
     }
+    state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
+    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_SAVE);
+    ::ShowWindow(state.hPane, SW_HIDE);
     for (CControlBar* const pBar : state.bars) {
         pBar->ShowWindow(SW_HIDE);
     }
+    m_hMenuAside = ::GetMenu(m_hWnd);
+    ::SetMenu(m_hWnd, nullptr);
 }
 
 // The pane has its id back before the menu changes the client area and with it the layout.

@@ -3,6 +3,7 @@
 #include "classlib/PreviewView.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "classlib/Thread.h"
@@ -77,8 +78,19 @@ bool CPreviewView::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&
 
 // ---- start and end ----
 
+// The frame is in preview mode already: an exception must not leave it there.
 bool CPreviewView::SetPrintView(CView* pPrintView) {
     m_pPrintView = pPrintView;
+    try {
+        m_bReady = Prepare();
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    LayOutSheet();
+    return m_bReady;
+}
+
+bool CPreviewView::Prepare() {
     m_pPreviewInfo = std::make_unique<CPrintInfo>();
     m_pPreviewInfo->m_bPreview = true;
     // Should there be no printer, it is the set-up dialog that says so.
@@ -96,8 +108,6 @@ bool CPreviewView::SetPrintView(CView* pPrintView) {
         m_pPrintView->OnBeginPrinting(&m_previewDC, m_pPreviewInfo.get());
         m_previewDC.ReleaseOutputDC();
     }
-    m_bReady = true;
-    LayOutSheet();
     return true;
 }
 

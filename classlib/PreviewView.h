@@ -51,8 +51,8 @@ public:
     ~CPreviewView() override;
 
     std::span<const CmdEntry> Commands() const override;
-    /// Takes a view to show, lets it choose the printer and prepare. False if it refuses, or if this preview has been closed
-    /// meanwhile.
+    /// Takes a view to show, lets it choose the printer and prepare. False if it refuses, if memory runs out, or if this preview
+    /// has been closed meanwhile.
     bool SetPrintView(CView* pPrintView);
     /// Destroys the bar, and lets the print view end the preview. Does nothing when that has been done.
     void OnPreviewClose();
@@ -72,6 +72,7 @@ private:
     void OnUpdateZoomIn(CCmdUI* pCmdUI);
     void OnUpdateZoomOut(CCmdUI* pCmdUI);
 
+    bool Prepare();
     bool HasPage() const { return m_bReady; }
     SIZE GetOuterSize() const;
     void LayOutSheet();

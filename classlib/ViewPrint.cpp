@@ -58,7 +58,7 @@ public:
         const CWnd* const pMain = AfxGetMainWnd();
         m_hMain = pMain != nullptr ? pMain->m_hWnd : nullptr;
         t_run = {};
-        ::EnableWindow(m_hMain, FALSE);
+        Enable(false);
         if (info.m_nIDStatusDialog != 0) {
             const BoxTexts texts{title, info.m_pPD->GetDeviceName(), info.m_pPD->GetPortName()};
             t_run.hBox = ::CreateDialogParamW(AfxGetResourceHandle(), MAKEINTRESOURCEW(info.m_nIDStatusDialog), m_hMain, BoxProc,
@@ -73,7 +73,7 @@ public:
     CPrintingBox& operator=(const CPrintingBox&) = delete;
     // The main window first, so that it becomes the active one again when the box goes.
     ~CPrintingBox() {
-        ::EnableWindow(m_hMain, TRUE);
+        Enable(true);
         if (t_run.hBox != nullptr) {
             ::DestroyWindow(t_run.hBox);
         }
@@ -82,6 +82,12 @@ public:
     static void ShowPage(UINT nPage) { ::SetDlgItemTextW(t_run.hBox, AFX_IDC_PRINT_PAGENUM, std::to_wstring(nPage).c_str()); }
 
 private:
+    void Enable(bool bEnable) const {
+        if (m_hMain != nullptr) {
+            ::EnableWindow(m_hMain, bEnable ? TRUE : FALSE);
+        }
+    }
+
     HWND m_hMain = nullptr;
 };
 
@@ -169,8 +175,11 @@ bool CView::DoPreparePrinting(CPrintInfo* pInfo) {
     CWinApp* const pApp = AfxGetApp();
     dialog.m_pd.nFromPage = pInfo->GetMinPage();
     dialog.m_pd.nToPage = pInfo->GetMaxPage();
-    const bool bReady = pInfo->m_bPreview && (pApp != nullptr ? pApp->GetPrinterDeviceDefaults(&dialog) : dialog.GetDefaults());
-    if (!bReady && (pApp != nullptr ? pApp->DoPrintDialog(&dialog) : dialog.DoModal()) != IDOK) {
+    if (pInfo->m_bPreview && (pApp != nullptr ? pApp->GetPrinterDeviceDefaults(&dialog) : dialog.GetDefaults()) &&
+        dialog.CreatePrinterDC()) {
+        return true;
+    }
+    if ((pApp != nullptr ? pApp->DoPrintDialog(&dialog) : dialog.DoModal()) != IDOK) {
         return false;
     }
     return dialog.CreatePrinterDC();

@@ -125,15 +125,15 @@ void CPibView::OnFilePrintPreview() {
 /// belongs to the preview view.
 bool CPibView::DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState) {
     CFrameWnd* const pFrame = g_pMainFrame;
+    auto pNewBar = std::make_unique<CDialogBar>();
     std::unique_ptr<CPreviewView2> pNewView(static_cast<CPreviewView2*>(viewClass.CreateObject()));
     if (!pNewView) {
         return false;
     }
     CPreviewView2* const pView = pNewView.get();
-    pView->m_pPreviewState = pState;
     pFrame->OnSetPreviewMode(true, pState);
+    pView->m_pPreviewState = pState;
 
-    auto pNewBar = std::make_unique<CDialogBar>();
     if (!pNewBar->Create(pFrame, nIDResource, CBRS_TOP, AFX_IDW_PREVIEW_BAR)) {
         GiveUpPreview(pView, pState);
         return false;

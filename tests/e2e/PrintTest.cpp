@@ -151,6 +151,13 @@ HWND WaitForMessage() {
     return hBox;
 }
 
+HWND FocusOf(const PluginJob& job) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    ::GetGUIThreadInfo(::GetWindowThreadProcessId(job.Frame(), nullptr), &info);
+    return info.hwndFocus;
+}
+
 class PrintTest : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(m_printer.IsReady()); }
@@ -297,6 +304,7 @@ TEST_F(PrintTest, PreviewTakesTheFrameAndGivesItBack) {
         const Preview preview(job);
         ASSERT_NE(preview.Bar(), nullptr);
         EXPECT_NE(preview.View(), hOwnView);
+        EXPECT_EQ(FocusOf(job), preview.View());
         EXPECT_TRUE(::IsWindowVisible(preview.View()));
         EXPECT_TRUE(::IsWindowVisible(preview.Bar()));
         EXPECT_TRUE(::IsWindowVisible(::GetDlgItem(job.Frame(), kStatusBar)));
@@ -312,6 +320,7 @@ TEST_F(PrintTest, PreviewTakesTheFrameAndGivesItBack) {
         EXPECT_EQ(preview.Bar(), nullptr);
     }
     EXPECT_EQ(job.View(), hOwnView);
+    EXPECT_EQ(FocusOf(job), hOwnView);
     EXPECT_TRUE(::IsWindowVisible(hOwnView));
     EXPECT_TRUE(::IsWindowVisible(job.ToolBar()));
     EXPECT_EQ(::GetMenu(job.Frame()), hMenu);
@@ -397,10 +406,7 @@ TEST_F(PrintTest, CommandsDuringAPreview) {
         job.Command(nId);
     }
     job.Send(job.Frame(), WM_SETFOCUS, 0);
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    ::GetGUIThreadInfo(::GetWindowThreadProcessId(job.Frame(), nullptr), &info);
-    EXPECT_EQ(info.hwndFocus, hView) << "not the hidden view";
+    EXPECT_EQ(FocusOf(job), hView) << "not the hidden view";
     const int nScroll = ::GetScrollPos(hOwnView, SB_VERT);
     job.Send(hView, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(512, 300));
     EXPECT_TRUE(WaitFor([&] { return preview.IsEnabled(ID_PREVIEW_ZOOM_OUT); })) << "a click on the sheet comes nearer";
