@@ -1,4 +1,4 @@
-// The ids and styles that frame and bars agree on, and CControlBar, the base of tool bar and status bar.
+// The ids and styles that frame and bars agree on, and CControlBar, the base of all bars.
 // Tested by: tests/win/ClasslibTest.cpp.
 #pragma once
 
@@ -19,7 +19,8 @@ constexpr DWORD CBRS_ALIGN_BOTTOM = 0x8000;
 constexpr DWORD CBRS_TOP = CBRS_ALIGN_TOP | CBRS_BORDER_BOTTOM;
 constexpr DWORD CBRS_BOTTOM = CBRS_ALIGN_BOTTOM | CBRS_BORDER_TOP;
 
-/// A strip along the top or bottom edge of a frame. The object is a member of its frame, or lives as long.
+/// A strip along the top or bottom edge of a frame. The object is a member of its frame, lives as long, or goes with
+/// its window.
 class CControlBar : public CWnd {
 public:
     DWORD m_dwStyle = 0;  ///< CBRS_ style; the edge among it

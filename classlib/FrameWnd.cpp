@@ -7,6 +7,7 @@
 
 #include "classlib/ControlBar.h"
 #include "classlib/ScrollView.h"
+#include "classlib/StatusBar.h"
 #include "classlib/Thread.h"
 
 namespace {
@@ -91,6 +92,7 @@ bool CFrameWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lR
         Msg<WM_SETFOCUS, &CFrameWnd::OnSetFocus>(),
         Msg<WM_ERASEBKGND, &CFrameWnd::OnEraseBkgnd>(),
         Msg<WM_INITMENUPOPUP, &CFrameWnd::OnInitMenuPopup>(),
+        Msg<WM_SETMESSAGESTRING, &CFrameWnd::OnSetMessageString>(),
     };
     return Dispatch(kTable, message, wParam, lParam, lResult) || CWnd::OnWndMsg(message, wParam, lParam, lResult);
 }
@@ -102,12 +104,12 @@ int CFrameWnd::OnCreate(CREATESTRUCTW*) {
 // The code that shows a dialog over the frame works with what the frame owns. So the dialogs are closed first, and the
 // frame when the last of them has given it back.
 void CFrameWnd::OnClose() {
-    if (::IsWindowEnabled(m_hWnd) != FALSE) {
+    if (::IsWindowEnabled(m_hWnd) == FALSE) {
+        m_bCloseWanted = true;
+        ::EnumThreadWindows(::GetCurrentThreadId(), PostCloseToDialog, 0);
+    } else if (m_pPreviewState == nullptr || m_pPreviewState->lpfnCloseProc(this)) {
         DestroyWindow();
-        return;
     }
-    m_bCloseWanted = true;
-    ::EnumThreadWindows(::GetCurrentThreadId(), PostCloseToDialog, 0);
 }
 
 void CFrameWnd::OnEnable(bool bEnable) {
@@ -119,6 +121,7 @@ void CFrameWnd::OnEnable(bool bEnable) {
 
 void CFrameWnd::OnDestroy() {
     m_pViewActive = nullptr;
+    m_pPreviewState = nullptr;
     if (m_hMenuAside != nullptr) {
         ::DestroyMenu(std::exchange(m_hMenuAside, nullptr));
     }
@@ -202,29 +205,58 @@ void CFrameWnd::RecalcLayout() {
     ::SetWindowPos(GetDlgItem(AFX_IDW_PANE_FIRST), nullptr, rcFree.left, rcFree.top, cx, cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void CFrameWnd::OnSetPreviewMode(bool bPreview, CPreviewFrameState& state) {
-    if (!bPreview) {
-        ::SetMenu(m_hWnd, std::exchange(m_hMenuAside, nullptr));
-        ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_FIRST);
-        ::ShowWindow(state.hPane, SW_SHOWNA);
-        for (CControlBar* const pBar : state.bars) {
-            pBar->ShowWindow(SW_SHOWNA);
-        }
-        state = {};
-        return;
+LRESULT CFrameWnd::OnSetMessageString(WPARAM wParam, LPARAM lParam) {
+    const auto nID = static_cast<UINT>(wParam);
+    auto* const pBar = dynamic_cast<CStatusBar*>(FromHandle(GetDlgItem(AFX_IDW_STATUS_BAR)));
+    if (pBar != nullptr && (lParam != 0 || nID != 0)) {
+        const std::wstring text = lParam != 0 ? reinterpret_cast<const wchar_t*>(lParam) : AfxLoadString(nID);
+        pBar->SetPaneText(pBar->CommandToIndex(0), text.c_str());
     }
-    m_hMenuAside = ::GetMenu(m_hWnd);
-    ::SetMenu(m_hWnd, nullptr);
-    state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
-    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_SAVE);
-    ::ShowWindow(state.hPane, SW_HIDE);
+    return static_cast<LRESULT>(std::exchange(m_nIDLastMessage, nID));
+}
+
+void CFrameWnd::OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState) {
+    if (bPreview) {
+        PutAside(*pState);
+    } else {
+        BringBack(*pState);
+    }
+    m_pPreviewState = bPreview ? pState : nullptr;
+    // With the menu the client area has moved: what its windows show has to be drawn anew at the new place.
+    if (m_hWnd != nullptr) {  // a null window would mean the whole screen
+        ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    }
+}
+
+// The list comes first: should memory run out, nothing has changed yet.
+void CFrameWnd::PutAside(CPrintPreviewState& state) {
     for (HWND hWnd = ::GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr; hWnd = ::GetWindow(hWnd, GW_HWNDNEXT)) {
         auto* const pBar = dynamic_cast<CControlBar*>(FromHandle(hWnd));
-        if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0) {
+        if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0 && pBar->GetDlgCtrlID() != AFX_IDW_STATUS_BAR) {
             state.bars.push_back(pBar);
         }
     }
+    state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
+    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_SAVE);
+    ::ShowWindow(state.hPane, SW_HIDE);
     for (CControlBar* const pBar : state.bars) {
         pBar->ShowWindow(SW_HIDE);
     }
+    m_hMenuAside = ::GetMenu(m_hWnd);
+    ::SetMenu(m_hWnd, nullptr);
+}
+
+// The pane has its id back before the menu changes the client area and with it the layout.
+void CFrameWnd::BringBack(CPrintPreviewState& state) {
+    if (const HWND hOther = GetDlgItem(AFX_IDW_PANE_FIRST)) {
+        ::SetWindowLongPtrW(hOther, GWLP_ID, 0);
+    }
+    ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_FIRST);
+    ::ShowWindow(state.hPane, SW_SHOWNA);
+    for (CControlBar* const pBar : state.bars) {
+        pBar->ShowWindow(SW_SHOWNA);
+    }
+    state.hPane = nullptr;
+    state.bars.clear();
+    ::SetMenu(m_hWnd, std::exchange(m_hMenuAside, nullptr));
 }

@@ -9,8 +9,12 @@
 class CControlBar;
 class CView;
 
-/// What OnSetPreviewMode puts aside and brings back.
-struct CPreviewFrameState {
+/// What OnSetPreviewMode puts aside and brings back, and what else a preview remembers of its frame.
+struct CPrintPreviewState {
+    CPrintPreviewState();
+    /// Asked when the frame is to close: ends the preview and gives false, which keeps the frame. CPreviewView's by default.
+    bool (*lpfnCloseProc)(CFrameWnd* pFrame);
+    CView* pViewActiveOld = nullptr;  ///< the frame's active view before the preview
     HWND hPane = nullptr;
     std::vector<CControlBar*> bars;  ///< those that were visible
 };
@@ -32,9 +36,11 @@ public:
     void ShowControlBar(CControlBar* pBar, bool bShow);
     /// Lays out bars, then the child AFX_IDW_PANE_FIRST in what they leave.
     virtual void RecalcLayout();
-    /// true: hides menu, bars and pane, to be brought back from state; the pane's id is free for another child, and bars made
-    /// from now on are laid out as usual. false: brings all back; the other child must be gone or renamed. No layout.
-    void OnSetPreviewMode(bool bPreview, CPreviewFrameState& state);
+    /// true: hides menu, pane and all bars but the status bar, to be brought back from the state, which the frame refers to from
+    /// now on; the pane's id is free for another child, and bars made from now on are laid out as usual. false: brings all
+    /// back and takes the id from that child. No layout. Each has to follow the other.
+    void OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState);
+    bool IsInPreview() const { return m_pPreviewState != nullptr; }
 
     /// The active view first, then this frame's Commands(), then the thread.
     bool OnCmdMsg(UINT nID, int nCode, CCmdUI* pCmdUI, CCmdTarget** ppHandler) override;
@@ -52,10 +58,18 @@ protected:
     void OnSetFocus(HWND hOldWnd);
     bool OnEraseBkgnd(CDC* pDC);
     void OnInitMenuPopup(HMENU hMenu, UINT nIndex, bool bSysMenu);
+    /// Shows a text, or the string resource wParam, in the status bar's pane of id 0, if there is one. The result is the id shown
+    /// before.
+    LRESULT OnSetMessageString(WPARAM wParam, LPARAM lParam);
 
 private:
+    void PutAside(CPrintPreviewState& state);
+    void BringBack(CPrintPreviewState& state);
+
     CView* m_pViewActive = nullptr;
-    bool m_bCloseWanted = false;   // as soon as no dialog is open
-    HMENU m_hMenuAside = nullptr;  // owned, while a preview hides it
-    HICON m_hIcon = nullptr;       // the system's or shared: not owned
+    bool m_bCloseWanted = false;                    // as soon as no dialog is open
+    HMENU m_hMenuAside = nullptr;                   // owned, while a preview hides it
+    CPrintPreviewState* m_pPreviewState = nullptr;  // not owned
+    UINT m_nIDLastMessage = 0;
+    HICON m_hIcon = nullptr;  // the system's or shared: not owned
 };

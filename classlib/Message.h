@@ -21,9 +21,10 @@
 
 class CWnd;
 
-constexpr UINT WM_SIZEPARENT = 0x0361;       ///< frame to bar: take your strip off the rectangle
-constexpr UINT WM_IDLEUPDATECMDUI = 0x0363;  ///< thread to all windows: bring the state of your items up to date
-constexpr UINT WM_INITIALUPDATE = 0x0364;    ///< frame to all its windows: everything exists now
+constexpr UINT WM_SIZEPARENT = 0x0361;        ///< frame to bar: take your strip off the rectangle
+constexpr UINT WM_SETMESSAGESTRING = 0x0362;  ///< to a frame: show a text in the status bar
+constexpr UINT WM_IDLEUPDATECMDUI = 0x0363;   ///< thread to all windows: bring the state of your items up to date
+constexpr UINT WM_INITIALUPDATE = 0x0364;     ///< frame to all its windows: everything exists now
 
 /// One row of a message table. pfnCall runs the handler and says whether the message is dealt with.
 struct MsgEntry {
@@ -255,6 +256,10 @@ struct MsgSignature<WM_KEYDOWN> {
         return true;
     }
 };
+
+/// LRESULT OnSetMessageString(WPARAM, LPARAM): a string's id, or a text
+template <>
+struct MsgSignature<WM_SETMESSAGESTRING> : MsgSignature<WM_USER> {};
 
 /// void OnInitMenuPopup(HMENU hMenu, UINT nIndex, bool bSysMenu)
 template <>

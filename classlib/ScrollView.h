@@ -4,7 +4,8 @@
 
 #include "classlib/Wnd.h"
 
-struct CPrintInfo;  // what a print run tells its view; only passed through here
+class CPreviewView;
+struct CPrintInfo;
 
 /// Paints through OnDraw. When its window is gone the object deletes itself; a view that is a member of something
 /// overrides PostNcDestroy with an empty body.
@@ -20,7 +21,28 @@ public:
     /// the focus when activated.
     virtual void OnActivateView(bool bActivate, CView* pActivateView, CView* pDeactiveView);
 
+    // Printing, see Print.h. The base prints what OnDraw draws. A context's m_hAttribDC tells about the printer, also where
+    // output goes to a preview.
+    /// The first call of a run or preview: to choose the printer, normally by DoPreparePrinting. False: nothing is printed. The
+    /// base refuses.
+    virtual bool OnPreparePrinting(CPrintInfo* /*pInfo*/) { return false; }
+    /// The printer is chosen: last moment to set the pages.
+    virtual void OnBeginPrinting(CDC* /*pDC*/, CPrintInfo* /*pInfo*/) {}
+    /// One page, pInfo->m_nCurPage, into pInfo->m_rectDraw.
+    virtual void OnPrint(CDC* pDC, CPrintInfo* pInfo);
+    /// The last call of a run or preview that was begun.
+    virtual void OnEndPrinting(CDC* /*pDC*/, CPrintInfo* /*pInfo*/) {}
+    /// The user leaves the preview: to take it off the frame. The view stays valid until the last handler has returned.
+    virtual void OnEndPrintPreview(CDC* /*pDC*/, CPrintInfo* /*pInfo*/, POINT /*point*/, CPreviewView* /*pView*/) {}
+
 protected:
+    /// Shows the print dialog; for a preview takes the printer chosen last, or the default one, without asking. Through the
+    /// application object where there is one. False without a printer, or when the user gave up.
+    bool DoPreparePrinting(CPrintInfo* pInfo);
+    /// The print run: the dialog, the pages, and meanwhile a box that can end it, with the main window disabled. Returns when
+    /// everything has been handed to the system, or after a failure, which it tells the user about.
+    void OnFilePrint();
+
     /// A window class with arrow cursor and window-coloured background; WS_BORDER becomes the sunken edge.
     bool PreCreateWindow(CREATESTRUCTW& cs) override;
     void PostNcDestroy() override { DeleteAfterDispatch(); }

@@ -65,6 +65,10 @@ void CStatusBar::SetPaneInfo(std::size_t nIndex, UINT nID, UINT nStyle, int cxWi
     }
 }
 
+std::size_t CStatusBar::CommandToIndex(UINT nID) const {
+    return static_cast<std::size_t>(std::ranges::find(m_panes, nID, &Pane::nID) - m_panes.begin());
+}
+
 bool CStatusBar::SetPaneText(std::size_t nIndex, LPCWSTR lpszText) {
     if (nIndex >= m_panes.size()) {
         return false;

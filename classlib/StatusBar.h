@@ -21,6 +21,8 @@ public:
     bool SetIndicators(std::span<const UINT> ids);
     /// Changes a pane; SBPS_ style; cxWidth in pixels, without borders. Does nothing beyond the last pane.
     void SetPaneInfo(std::size_t nIndex, UINT nID, UINT nStyle, int cxWidth);
+    /// The first pane of an id; the number of panes if there is none.
+    std::size_t CommandToIndex(UINT nID) const;
     /// False beyond the last pane. Setting the same text again costs nothing.
     bool SetPaneText(std::size_t nIndex, LPCWSTR lpszText);
     void SetPaneStyle(std::size_t nIndex, UINT nStyle);

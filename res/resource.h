@@ -45,6 +45,27 @@
 #define ID_EDIT_REDO 57644
 #define ID_HELP_CONTENTS 57667
 
+/* Print preview: the bar above the page, and its commands. */
+#define IDD_PREVIEW_BAR_EN 30723
+#define IDD_PREVIEW_BAR_ZH 30727
+#define ID_PREVIEW_CLOSE 58112
+#define ID_PREVIEW_PRINT 58116
+#define ID_PREVIEW_ZOOM_IN 58117
+#define ID_PREVIEW_ZOOM_OUT 58118
+
+/* What stands there while a page is printed. */
+#define IDD_PRINTING_EN 30722
+#define IDD_PRINTING_ZH 30726
+#define IDC_PRINT_DOCUMENT 201
+#define IDC_PRINT_PRINTER 202
+#define IDC_PRINT_PORT 203
+
+/* Messages */
+#define IDS_COMMAND_FAILED_EN 61705
+#define IDS_COMMAND_FAILED_ZH 61905
+#define IDS_PRINT_FAILED_EN 61708
+#define IDS_PRINT_FAILED_ZH 61908
+
 /* Controls that nobody asks for. */
 #define IDC_STATIC -1
 

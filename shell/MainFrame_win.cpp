@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "classlib/Print.h"
 #include "classlib/Thread.h"
 #include "dialogs/DllDlg.h"
 #include "module/ModuleState.h"
@@ -130,8 +131,13 @@ bool CMainFrame::CreateBars() {
     return true;
 }
 
-void CMainFrame::OnSetFocus(HWND /*hOldWnd*/) {
-    m_wndView.SetFocus();
+// A hidden view must not get the keyboard and the wheel of the preview that stands in its place.
+void CMainFrame::OnSetFocus(HWND hOldWnd) {
+    if (IsInPreview()) {
+        CFrameWnd::OnSetFocus(hOldWnd);
+    } else {
+        m_wndView.SetFocus();
+    }
 }
 
 LRESULT CMainFrame::OnSetDib(WPARAM wParam, LPARAM lParam) {
@@ -171,8 +177,13 @@ void CMainFrame::OnExit() {
     PostMessage(WM_CLOSE);
 }
 
-// A print set-up belongs to an application object, and the process has none of ours: it is the host's.
-void CMainFrame::OnPrintSetup() {}
+// The set-up belongs to an application object, which keeps it. Where the host provides none, nothing happens.
+void CMainFrame::OnPrintSetup() {
+    if (CWinApp* const pApp = AfxGetApp()) {
+        CPrintDialog dialog(true);
+        pApp->DoPrintDialog(&dialog);
+    }
+}
 
 void CMainFrame::OnHelp() {
     const std::optional<HelpPaths> paths = FindHelpPaths(ModulePath(nullptr), ModulePath(g_hModule), g_nLangId);

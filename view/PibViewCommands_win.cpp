@@ -29,8 +29,8 @@ std::span<const CmdEntry> CPibView::Commands() const {
         // file and hand-over
         Cmd<&CPibView::OnFileSave, &CPibView::OnUpdateFileSave>(ID_FILE_SAVE),
         Cmd<&CPibView::OnFileSaveAs, &CPibView::OnUpdateNeedsImage>(ID_FILE_SAVE_AS_PICTURE),
-        Cmd<&CPibView::OnPrint>(ID_FILE_PRINT),
-        Cmd<&CPibView::OnPrintPreview>(ID_FILE_PRINT_PREVIEW),
+        Cmd<&CPibView::OnFilePrint>(ID_FILE_PRINT),
+        Cmd<&CPibView::OnFilePrintPreview>(ID_FILE_PRINT_PREVIEW),
         Cmd<&CPibView::OnSendImage, &CPibView::OnUpdateNeedsImage>(ID_SEND_IMAGE),
         // settings
         Cmd<&CPibView::OnBinarySetting>(ID_BINARY_SETTING),

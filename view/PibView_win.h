@@ -4,8 +4,8 @@
 // the labels; nothing else shows, measures or changes the picture. Fields carry the job's state as plain values;
 // handlers gather what a portable function needs, call it, store what comes back, and invalidate.
 // Files: PibView_win.cpp life and state, PibViewPaint_win.cpp, PibViewTools_win.cpp mouse, zoom and cursors,
-// PibViewMeasure_win.cpp picking and labels, PibViewSave_win.cpp, PibViewCommands_win.cpp the command table. Tested by:
-// tests/e2e/PluginTest.cpp
+// PibViewMeasure_win.cpp picking and labels, PibViewPrint_win.cpp, PibViewSave_win.cpp, PibViewCommands_win.cpp the command
+// table. Tested by: tests/e2e/PluginTest.cpp
 #pragma once
 
 #include <optional>
@@ -19,6 +19,9 @@
 #include "measure/Picking.h"
 #include "save/SaveFlow_win.h"
 #include "view/Zoom.h"
+
+struct CPrintPreviewState;
+struct CRuntimeClass;
 
 namespace width {
 
@@ -37,6 +40,11 @@ public:
     std::span<const CmdEntry> Commands() const override;
     void OnInitialUpdate() override;
     void OnDraw(CDC* pDC) override;
+    bool OnPreparePrinting(CPrintInfo* pInfo) override;
+    void OnBeginPrinting(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnPrint(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnEndPrinting(CDC* pDC, CPrintInfo* pInfo) override;
+    void OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, POINT point, CPreviewView* pView) override;
 
     /// Where client points lie on the image now. Without an image the image is 0 x 0.
     ViewGeometry Geometry() const;
@@ -95,8 +103,8 @@ private:
     void OnEditRedo();
     void OnFileSave();
     void OnFileSaveAs();
-    void OnPrint();
-    void OnPrintPreview();
+    void OnFilePrint();
+    void OnFilePrintPreview();
     void OnBinarySetting();
     void OnLabelSetting();
     void OnLineSetting();
@@ -115,6 +123,7 @@ private:
     bool HasImage() const { return m_dib.has_value(); }
     Overlays CurrentOverlays() const;
     bool PaintVisiblePart(CDC& dc, const RECT& rcImage) const;
+    bool DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState);
     void UpdateScrollSizes();
     void InvalidateView();
     void SetZoom(std::int32_t nNum, std::int32_t nDen);
@@ -132,7 +141,8 @@ private:
     void* m_pDib = nullptr;        // the image, from malloc, owned
     std::optional<DibView> m_dib;  // set exactly while m_pDib is
     CComposition m_composition;
-    CFont m_font;  // of the labels: Times New Roman, 10 points
+    CFont m_font;                    // of the labels: Times New Roman, 10 points
+    bool m_bInsidePrinting = false;  // a print run or the start of a preview is under way
 };
 
 }  // namespace width

@@ -106,12 +106,12 @@ TEST(Frame, LaysOutBarsAndPaneAndSwapsThemForAPreview) {
     EXPECT_EQ(topAndBottom(app.hStatusBar), std::pair(rcFrame.bottom - 20, rcFrame.bottom));
     EXPECT_EQ(topAndBottom(app.hView), std::pair(28L, rcFrame.bottom - 20));
 
-    CPreviewFrameState state;
+    CPrintPreviewState state;
     app.Run([&](TestFrame& frame, TestView&) {
-        frame.OnSetPreviewMode(true, state);
+        frame.OnSetPreviewMode(true, &state);
         EXPECT_EQ(frame.GetDlgItem(AFX_IDW_PANE_FIRST), nullptr);
         EXPECT_EQ(::GetMenu(frame), nullptr);
-        frame.OnSetPreviewMode(false, state);
+        frame.OnSetPreviewMode(false, &state);
         frame.ShowControlBar(&frame.m_wndToolBar, false);
     });
     EXPECT_NE(::GetMenu(app.hFrame), nullptr);
