@@ -537,10 +537,6 @@ TEST(PrintWithoutPrinter, SystemSaysSoAndNothingElseHappens) {
         ::PostMessageW(job.Frame(), WM_COMMAND, nId, 0);
         const HWND hBox = WaitForMessage();
         ASSERT_NE(hBox, nullptr);
-        if (nId == ID_FILE_PRINT_PREVIEW) {
-            // The frame can be asked to close while the half-made preview waits behind the message.
-            job.Send(job.Frame(), WM_CLOSE, 0);
-        }
         test::PostCommand(hBox, IDOK);
         EXPECT_TRUE(
             WaitFor([&] { return test::FindTopWindow(0, L"#32770") == nullptr && ::IsWindowEnabled(job.Frame()) != FALSE; }));
@@ -549,6 +545,9 @@ TEST(PrintWithoutPrinter, SystemSaysSoAndNothingElseHappens) {
         EXPECT_NE(::GetMenu(job.Frame()), nullptr);
         EXPECT_EQ(::GetDlgItem(job.Frame(), kPreviewBar), nullptr);
     }
+    // The frame can be asked to close while the half-made preview waits behind the message.
+    ::PostMessageW(job.Frame(), WM_COMMAND, ID_FILE_PRINT_PREVIEW, 0);
+    ASSERT_NE(WaitForMessage(), nullptr);
     EXPECT_TRUE(job.Close());
 }
 
