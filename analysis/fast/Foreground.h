@@ -1,0 +1,38 @@
+// Which pixels of a row lie in the grey window.
+// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "analysis/SkeletonPasses.h"
+#include "analysis/fast/RowPasses.h"
+
+namespace width::fast {
+
+/// Works out once what the window means for the picture's depth. Several threads may read rows at a time.
+class ForegroundReader {
+public:
+    /// dib  of a readable depth; it and the passes must outlive the reader
+    ForegroundReader(const DibView& dib, GreyWindow window, const RowPasses& passes) noexcept;
+
+    /// Foreground of block row s, as a mask and as bits.
+    /// pScratch  a strip to work on
+    void Read(std::int32_t s, std::uint8_t* pScratch, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
+
+private:
+    void ReadIndices(const std::uint8_t* pIndices, std::uint8_t* pScratch, std::uint8_t* pMask,
+                     std::uint64_t* pBits) const noexcept;
+    void ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
+    void JudgeTrueColour(const std::uint8_t* pRow, std::uint8_t* pVerdicts) const noexcept;
+
+    const DibView& m_dib;
+    const RowPasses& m_passes;
+    GreyWindow m_window;
+    InsideTable m_inside{};  // by index; at one bit a pixel by byte: the bits of its eight pixels, the first lowest
+    bool m_bRange = false;   // whether the indices inside are one range, or none
+    std::uint8_t m_nFirst = 0;
+    std::uint8_t m_nSpan = 0;
+};
+
+}  // namespace width::fast
