@@ -51,7 +51,7 @@ public:
     SkeletonRun(const DibView& dib, GreyWindow window, InstructionSet set, int nThreads)
         : m_passes(RowPassesFor(set)),
           m_foreground(dib, window, m_passes),
-          m_map(dib.Height(), dib.Width()),
+          m_map(SkeletonMap::ForOverwriting(dib.Height(), dib.Width())),
           m_nHeight(dib.Height()),
           m_nWidth(dib.Width()),
           m_nWords(WordsFor(dib.Width())),

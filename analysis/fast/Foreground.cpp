@@ -1,4 +1,5 @@
-// Indices are compared where those inside follow each other, as with every grey table in order, and looked up where not.
+// True colour is compared in scaled integers, and in doubles where these can't tell. Indices are compared where those inside
+// follow each other, as with every grey table in order, and looked up where not.
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include "analysis/fast/Foreground.h"
 
@@ -8,7 +9,7 @@ namespace width::fast {
 
 namespace {
 
-constexpr std::uint8_t kInside = 255;
+constexpr std::uint8_t kMaskInside = 255;
 
 // The bits of eight pixels from their byte, whose highest bit is the first pixel.
 InsideTable BitsByByte(const InsideTable& byIndex) noexcept {
@@ -23,11 +24,20 @@ InsideTable BitsByByte(const InsideTable& byIndex) noexcept {
     return bits;
 }
 
+// 299 R + 587 G + 114 B differs from 1000 times a limit by 1 or more wherever the two are not equal, far more than the
+// doubles' error. Every grey is 0 or more, and 255 or less: these two limits hold nobody out.
+ScaledWindow Scaled(GreyWindow window) noexcept {
+    constexpr std::int32_t kScale = 1000;
+    return {window.nMinGrey <= 0 ? -1 : kScale * window.nMinGrey,
+            window.nMaxGrey >= 255 ? 255 * kScale + 1 : kScale * window.nMaxGrey};
+}
+
 }  // namespace
 
 ForegroundReader::ForegroundReader(const DibView& dib, GreyWindow window, const RowPasses& passes) noexcept
     : m_dib(dib), m_passes(passes), m_window(window) {
     if (dib.BitCount() > 8) {
+        m_scaled = Scaled(window);
         return;
     }
     m_inside = InsideByIndex(dib, window);
@@ -55,8 +65,7 @@ void ForegroundReader::Read(std::int32_t s, std::uint8_t* pScratch, std::uint8_t
         case 8:
             return ReadIndices(pRow, pScratch, pMask, pBits);
         default:
-            JudgeTrueColour(pRow, pScratch);
-            return m_passes.foregroundOfIndices(pScratch, m_dib.Width(), kInside, 0, pMask, pBits);
+            return ReadTrueColour(pRow, pScratch, pMask, pBits);
     }
 }
 
@@ -80,15 +89,21 @@ void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, s
         }
         pBits[w] = nColumns < kWordColumns ? word & ((std::uint64_t{1} << nColumns) - 1) : word;
     }
-    m_passes.expandBits(pBits, nWords * kWordColumns, kInside, pMask);
+    m_passes.expandBits(pBits, nWords * kWordColumns, kMaskInside, pMask);
 }
 
-void ForegroundReader::JudgeTrueColour(const std::uint8_t* pRow, std::uint8_t* pVerdicts) const noexcept {
+void ForegroundReader::ReadTrueColour(const std::uint8_t* pRow, std::uint8_t* pScratch, std::uint8_t* pMask,
+                                      std::uint64_t* pBits) const noexcept {
     const std::ptrdiff_t nBytes = m_dib.BitCount() / 8;
-    for (std::ptrdiff_t x = 0; x < m_dib.Width(); ++x) {
-        const std::uint8_t* pPixel = pRow + x * nBytes;
-        pVerdicts[x] = IsInside({pPixel[2], pPixel[1], pPixel[0]}, m_window) ? kInside : 0;
+    const std::ptrdiff_t nWidth = m_dib.Width();
+    if (m_passes.judgeTrueColour(pRow, nBytes, nWidth, m_scaled, pScratch)) {
+        std::uint8_t* const pEnd = pScratch + nWidth;
+        for (std::uint8_t* p = std::find(pScratch, pEnd, kPixelOnLimit); p != pEnd; p = std::find(p, pEnd, kPixelOnLimit)) {
+            const std::uint8_t* pPixel = pRow + (p - pScratch) * nBytes;
+            *p = IsInside({pPixel[2], pPixel[1], pPixel[0]}, m_window) ? kPixelInside : 0;
+        }
     }
+    m_passes.foregroundOfIndices(pScratch, nWidth, kPixelInside, 0, pMask, pBits);
 }
 
 }  // namespace width::fast

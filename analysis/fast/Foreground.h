@@ -24,11 +24,13 @@ private:
     void ReadIndices(const std::uint8_t* pIndices, std::uint8_t* pScratch, std::uint8_t* pMask,
                      std::uint64_t* pBits) const noexcept;
     void ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
-    void JudgeTrueColour(const std::uint8_t* pRow, std::uint8_t* pVerdicts) const noexcept;
+    void ReadTrueColour(const std::uint8_t* pRow, std::uint8_t* pScratch, std::uint8_t* pMask,
+                        std::uint64_t* pBits) const noexcept;
 
     const DibView& m_dib;
     const RowPasses& m_passes;
     GreyWindow m_window;
+    ScaledWindow m_scaled;
     InsideTable m_inside{};  // by index; at one bit a pixel by byte: the bits of its eight pixels, the first lowest
     bool m_bRange = false;   // whether the indices inside are one range, or none
     std::uint8_t m_nFirst = 0;

@@ -11,7 +11,6 @@
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include "analysis/fast/HalfDistance.h"
 
-#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -47,18 +46,6 @@ std::ptrdiff_t LastBit(const std::vector<std::uint64_t>& words, std::ptrdiff_t c
     return -1;
 }
 
-void LowerRight(std::uint8_t* pWrapped) noexcept {
-    for (std::ptrdiff_t i = 0; i < kReach; ++i) {
-        pWrapped[1 + i] = std::min(pWrapped[1 + i], static_cast<std::uint8_t>(i));
-    }
-}
-
-void LowerLeft(std::uint8_t* pWrapped) noexcept {
-    for (std::ptrdiff_t i = 0; i < kReach; ++i) {
-        pWrapped[i - kReach] = std::min(pWrapped[i - kReach], static_cast<std::uint8_t>(kReach - 1 - i));
-    }
-}
-
 }  // namespace
 
 HalfDistance::HalfDistance(const RowPasses& passes, std::ptrdiff_t nWidth)
@@ -83,12 +70,12 @@ void HalfDistance::StepWithWrap(const std::uint8_t* pMask, std::uint8_t* pHalf) 
     const std::ptrdiff_t nWords = WordsFor(m_nWidth);
     if (m_passes.lowerToRuns(m_pair.pFromLeft, m_pRunsLeft, -1, pMask, nWords, m_wrapping.data())) {
         for (std::ptrdiff_t c = NextBit(m_wrapping, 0); c >= 0; c = NextBit(m_wrapping, c + kReach + 1)) {
-            LowerRight(m_pair.pFromLeft + c);
+            m_passes.lowerRight(m_pair.pFromLeft + c);
         }
     }
     if (m_passes.lowerToRuns(m_pair.pFromRight, m_pRunsRight, +1, pMask, nWords, m_wrapping.data())) {
         for (std::ptrdiff_t c = LastBit(m_wrapping, m_nWidth - 1); c >= 0; c = LastBit(m_wrapping, c - kReach - 1)) {
-            LowerLeft(m_pair.pFromRight + c);
+            m_passes.lowerLeft(m_pair.pFromRight + c);
         }
     }
     m_passes.addStep(m_pair, pMask, m_nWidth, pHalf);

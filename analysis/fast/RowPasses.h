@@ -17,11 +17,15 @@ constexpr std::ptrdiff_t WordsFor(std::ptrdiff_t nColumns) noexcept {
     return (nColumns + kWordColumns - 1) / kWordColumns;
 }
 
-/// Two limits on 299 R + 587 G + 114 B: a pixel between them is inside, one on a limit is for the caller to decide.
+/// The grey window for true colour: limits on 299 R + 587 G + 114 B, which is 1000 times the grey but for rounding. Black
+/// lies on neither limit.
 struct ScaledWindow {
     std::int32_t nLow = 0;
     std::int32_t nHigh = 0;
 };
+
+inline constexpr std::uint8_t kPixelInside = 255;
+inline constexpr std::uint8_t kPixelOnLimit = 1;
 
 /// State of the two passes of one vertical direction: strips of their distances in the row done last.
 struct PassPair {
@@ -52,6 +56,13 @@ struct RowPasses {
     /// Indices of a row of four bits a pixel, the higher half of a byte first.
     void (*unpackHalfBytes)(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::uint8_t* pIndices) noexcept;
 
+    /// Where the pixels of a row of true colour lie: kPixelInside between the limits, 0 beyond them, kPixelOnLimit where only
+    /// the comparison in doubles can tell.
+    /// nBytes   of a pixel: 3 or 4
+    /// returns  whether any pixel is on a limit
+    bool (*judgeTrueColour)(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth, const ScaledWindow& window,
+                            std::uint8_t* pVerdicts) noexcept;
+
     /// Sets a byte to value for each bit that is set, and to 0 for the others.
     /// pOut  exactly nWidth bytes are written, so this need not be a strip
     void (*expandBits)(const std::uint64_t* pBits, std::ptrdiff_t nWidth, std::uint8_t value, std::uint8_t* pOut) noexcept;
@@ -72,6 +83,10 @@ struct RowPasses {
     /// returns    whether any bit is set
     bool (*lowerToRuns)(std::uint8_t* pDistance, const std::uint8_t* pRuns, std::ptrdiff_t nRunStart, const std::uint8_t* pMask,
                         std::ptrdiff_t nWords, std::uint64_t* pWrapping) noexcept;
+
+    /// Lowers the 255 cells to the right, or left, of one that wraps to 0, 1, 2 and so on, where they are not lower.
+    void (*lowerRight)(std::uint8_t* pWrapped) noexcept;
+    void (*lowerLeft)(std::uint8_t* pWrapped) noexcept;
 
     /// The second half: adds 1 and clears the background. Output as for stepPasses.
     void (*addStep)(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::uint8_t* pHalf) noexcept;

@@ -13,22 +13,31 @@ struct RowPassesOf {
     static constexpr std::ptrdiff_t kVectors = kWordColumns / V::kWidth;  // in a word
     static constexpr std::uint64_t kAll = ~std::uint64_t{0};
 
-    // Whole vectors, and the rest by way of a vector of zeros, so that nothing behind the row is touched.
-    static Bytes LoadSome(const std::uint8_t* p, std::ptrdiff_t n) noexcept {
-        if (n >= V::kWidth) {
-            return V::Load(p);
+    // How a row that is not a strip is read and written: in whole vectors, and its end by way of a vector on the stack, so
+    // that nothing behind the row is touched.
+    struct Whole {
+        static Bytes Load(const std::uint8_t* p) noexcept { return V::Load(p); }
+        static void Store(std::uint8_t* p, Bytes v) noexcept { V::Store(p, v); }
+    };
+    struct Part {
+        std::size_t nBytes;
+        Bytes Load(const std::uint8_t* p) const noexcept {
+            Bytes v{};
+            std::memcpy(&v, p, nBytes);
+            return v;
         }
-        Bytes v{};
-        if (n > 0) {
-            std::memcpy(&v, p, static_cast<std::size_t>(n));
+        void Store(std::uint8_t* p, Bytes v) const noexcept { std::memcpy(p, &v, nBytes); }
+    };
+
+    // Calls work(column, how) for each vector of a row.
+    template <class Work>
+    static void EachVector(std::ptrdiff_t nWidth, Work work) noexcept {
+        std::ptrdiff_t c = 0;
+        for (; c + V::kWidth <= nWidth; c += V::kWidth) {
+            work(c, Whole{});
         }
-        return v;
-    }
-    static void StoreSome(std::uint8_t* p, std::ptrdiff_t n, Bytes v) noexcept {
-        if (n >= V::kWidth) {
-            V::Store(p, v);
-        } else if (n > 0) {
-            std::memcpy(p, &v, static_cast<std::size_t>(n));
+        if (c < nWidth) {
+            work(c, Part{static_cast<std::size_t>(nWidth - c)});
         }
     }
 
@@ -40,19 +49,31 @@ struct RowPassesOf {
                                     std::uint8_t* pMask, std::uint64_t* pBits) noexcept {
         const Bytes first = Splat<V>(nFirst);
         const Bytes span = Splat<V>(nSpan);
-        const std::ptrdiff_t nWords = WordsFor(nWidth);
-        for (std::ptrdiff_t w = 0; w < nWords; ++w) {
-            const std::ptrdiff_t nColumn = w * kWordColumns;
+        const auto inside = [&](Bytes v) { return Verdict<V>(v - first <= span); };
+        const std::ptrdiff_t nFull = nWidth / kWordColumns;
+        for (std::ptrdiff_t w = 0; w < nFull; ++w) {
             std::uint64_t bits = 0;
             for (std::ptrdiff_t i = 0; i < kVectors; ++i) {
-                const std::ptrdiff_t c = nColumn + i * V::kWidth;
-                const Bytes inside = Verdict<V>(LoadSome(pIndices + c, nWidth - c) - first <= span);
-                V::Store(pMask + c, inside);
-                bits |= V::HighBits(inside) << (i * V::kWidth);
+                const std::ptrdiff_t c = w * kWordColumns + i * V::kWidth;
+                const Bytes mask = inside(V::Load(pIndices + c));
+                V::Store(pMask + c, mask);
+                bits |= V::HighBits(mask) << (i * V::kWidth);
             }
-            pBits[w] = bits & BitsOfColumns(nWidth - nColumn);
+            pBits[w] = bits;
         }
-        std::memset(pMask + nWidth, 0, static_cast<std::size_t>(nWords * kWordColumns - nWidth));
+        const std::ptrdiff_t nRest = nWidth - nFull * kWordColumns;
+        if (nRest == 0) {
+            return;
+        }
+        std::uint8_t* pMaskEnd = pMask + nFull * kWordColumns;
+        std::memset(pMaskEnd, 0, kWordColumns);
+        std::uint64_t bits = 0;
+        EachVector(nRest, [&](std::ptrdiff_t c, auto how) {
+            const Bytes mask = inside(how.Load(pIndices + nFull * kWordColumns + c));
+            how.Store(pMaskEnd + c, mask);
+            bits |= V::HighBits(mask) << c;
+        });
+        pBits[nFull] = bits & BitsOfColumns(nRest);
     }
 
     static void UnpackHalfBytes(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::uint8_t* pIndices) noexcept {
@@ -62,16 +83,55 @@ struct RowPassesOf {
         }
     }
 
+    // One vector of verdicts, of kWidth pixels from p on. In 16-bit halves of an integer: blue and red, then green.
+    template <std::ptrdiff_t nBytes>
+    static Bytes JudgePixels(const std::uint8_t* p, const ScaledWindow& window, typename V::Ints& onLimits) noexcept {
+        using Ints = typename V::Ints;
+        constexpr std::ptrdiff_t kStep = V::kWidth / 4 * nBytes;
+        Ints verdicts[4];
+        for (std::ptrdiff_t i = 0; i < 4; ++i) {
+            const Ints pixels = nBytes == 3 ? V::LoadTriples(p + i * kStep) : reinterpret_cast<Ints>(V::Load(p + i * kStep));
+            const Ints grey = V::MultiplyAdd(pixels & 0x00FF00FF, Ints{} + ((299 << 16) | 114)) +
+                              V::MultiplyAdd((pixels >> 8) & 255, Ints{} + 587);
+            const Ints onLimit = (grey == window.nLow) | (grey == window.nHigh);
+            onLimits |= onLimit;
+            verdicts[i] = ((grey > window.nLow) & (grey < window.nHigh)) | (onLimit & kPixelOnLimit);
+        }
+        return V::Narrow(verdicts[0], verdicts[1], verdicts[2], verdicts[3]);
+    }
+
+    template <std::ptrdiff_t nBytes>
+    static bool JudgeRow(const std::uint8_t* pRow, std::ptrdiff_t nWidth, const ScaledWindow& window,
+                         std::uint8_t* pVerdicts) noexcept {
+        constexpr std::ptrdiff_t kOverrun = nBytes == 3 ? 2 : 0;  // pixels that a load reaches beyond those it is for
+        typename V::Ints onLimits{};
+        std::ptrdiff_t x = 0;
+        for (; x + V::kWidth + kOverrun <= nWidth; x += V::kWidth) {
+            V::Store(pVerdicts + x, JudgePixels<nBytes>(pRow + x * nBytes, window, onLimits));
+        }
+        std::uint8_t rest[(2 * V::kWidth + kOverrun) * nBytes] = {};
+        std::memcpy(rest, pRow + x * nBytes, static_cast<std::size_t>((nWidth - x) * nBytes));
+        for (std::ptrdiff_t i = 0; x + i < nWidth; i += V::kWidth) {
+            V::Store(pVerdicts + x + i, JudgePixels<nBytes>(rest + i * nBytes, window, onLimits));
+        }
+        return V::HighBits(reinterpret_cast<Bytes>(onLimits)) != 0;
+    }
+
+    static bool JudgeTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth,
+                                const ScaledWindow& window, std::uint8_t* pVerdicts) noexcept {
+        return nBytes == 3 ? JudgeRow<3>(pRow, nWidth, window, pVerdicts) : JudgeRow<4>(pRow, nWidth, window, pVerdicts);
+    }
+
     static void ExpandBits(const std::uint64_t* pBits, std::ptrdiff_t nWidth, std::uint8_t value, std::uint8_t* pOut) noexcept {
         Bytes ownBit{};
         for (int i = 0; i < static_cast<int>(V::kWidth); ++i) {
             ownBit[i] = static_cast<std::uint8_t>(1 << (i % 8));
         }
         const Bytes ones = Splat<V>(value);
-        for (std::ptrdiff_t c = 0; c < nWidth; c += V::kWidth) {
+        EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
             const std::uint64_t word = pBits[c / kWordColumns] >> (c % kWordColumns);
-            StoreSome(pOut + c, nWidth - c, Verdict<V>((V::SpreadBits(word) & ownBit) == ownBit) & ones);
-        }
+            how.Store(pOut + c, Verdict<V>((V::SpreadBits(word) & ownBit) == ownBit) & ones);
+        });
     }
 
     // Run lengths are a scan: a cell's is that of its neighbour plus 1, and 0 in the background. With 255 minus the length
@@ -147,15 +207,15 @@ struct RowPassesOf {
     static std::uint8_t StepPasses(const PassPair& passes, const RowRuns& row, std::ptrdiff_t nWidth,
                                    std::uint8_t* pHalf) noexcept {
         Bytes largest{};
-        for (std::ptrdiff_t c = 0; c < nWidth; c += V::kWidth) {
+        EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
             const Bytes mask = V::Load(row.pMask + c);
             const Bytes left = (Min<V>(V::Load(passes.pFromLeft + c), V::Load(row.pRunsLeft + c - 1)) + 1) & mask;
             const Bytes right = (Min<V>(V::Load(passes.pFromRight + c), V::Load(row.pRunsRight + c + 1)) + 1) & mask;
             V::Store(passes.pFromLeft + c, left);
             V::Store(passes.pFromRight + c, right);
-            StoreSome(pHalf + c, nWidth - c, Min<V>(left, right));
+            how.Store(pHalf + c, Min<V>(left, right));
             largest = Max<V>(largest, Max<V>(left, right));
-        }
+        });
         std::uint8_t result = 0;
         for (int i = 0; i < static_cast<int>(V::kWidth); ++i) {
             result = largest[i] > result ? largest[i] : result;
@@ -180,29 +240,41 @@ struct RowPassesOf {
         return any != 0;
     }
 
+    static void LowerRight(std::uint8_t* pWrapped) noexcept {
+        Bytes step = Ladder<V, 0, 1>();
+        for (std::ptrdiff_t i = 0; i < 256; i += V::kWidth, step += static_cast<std::uint8_t>(V::kWidth)) {
+            V::Store(pWrapped + 1 + i, Min<V>(V::Load(pWrapped + 1 + i), step));
+        }
+    }
+    static void LowerLeft(std::uint8_t* pWrapped) noexcept {
+        Bytes step = Ladder<V, 255, -1>();
+        for (std::ptrdiff_t i = -256; i < 0; i += V::kWidth, step -= static_cast<std::uint8_t>(V::kWidth)) {
+            V::Store(pWrapped + i, Min<V>(V::Load(pWrapped + i), step));
+        }
+    }
+
     static void AddStep(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::uint8_t* pHalf) noexcept {
-        for (std::ptrdiff_t c = 0; c < nWidth; c += V::kWidth) {
+        EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
             const Bytes mask = V::Load(pMask + c);
             const Bytes left = (V::Load(passes.pFromLeft + c) + 1) & mask;
             const Bytes right = (V::Load(passes.pFromRight + c) + 1) & mask;
             V::Store(passes.pFromLeft + c, left);
             V::Store(passes.pFromRight + c, right);
-            StoreSome(pHalf + c, nWidth - c, Min<V>(left, right));
-        }
+            how.Store(pHalf + c, Min<V>(left, right));
+        });
     }
 
     static void StepDistance(const std::uint8_t* pBefore, const std::uint8_t* pHalf, std::ptrdiff_t nWidth,
                              std::uint8_t* pOut) noexcept {
-        for (std::ptrdiff_t c = 0; c < nWidth; c += V::kWidth) {
-            V::Store(pOut + c, Min<V>(V::AddSaturated(V::Load(pBefore + c), Splat<V>(1)), LoadSome(pHalf + c, nWidth - c)));
-        }
+        EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
+            V::Store(pOut + c, Min<V>(V::AddSaturated(V::Load(pBefore + c), Splat<V>(1)), how.Load(pHalf + c)));
+        });
     }
 
     static void JoinHalves(const std::uint8_t* pHalf, const std::uint8_t* pOther, std::ptrdiff_t nWidth,
                            std::uint8_t* pOut) noexcept {
-        for (std::ptrdiff_t c = 0; c < nWidth; c += V::kWidth) {
-            V::Store(pOut + c, Min<V>(LoadSome(pHalf + c, nWidth - c), V::Load(pOther + c)));
-        }
+        EachVector(nWidth,
+                   [&](std::ptrdiff_t c, auto how) { V::Store(pOut + c, Min<V>(how.Load(pHalf + c), V::Load(pOther + c))); });
     }
 
     struct Marks {
@@ -261,8 +333,9 @@ struct RowPassesOf {
         }
     }
 
-    static constexpr RowPasses kPasses = {ForegroundOfIndices, UnpackHalfBytes, ExpandBits,   MeasureRuns, StepPasses,
-                                          LowerToRuns,         AddStep,         StepDistance, JoinHalves,  MarkRow};
+    static constexpr RowPasses kPasses = {ForegroundOfIndices, UnpackHalfBytes, JudgeTrueColour, ExpandBits, MeasureRuns,
+                                          StepPasses,          LowerToRuns,     LowerRight,      LowerLeft,  AddStep,
+                                          StepDistance,        JoinHalves,      MarkRow};
 };
 
 }  // namespace width::fast

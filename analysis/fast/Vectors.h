@@ -64,7 +64,26 @@ struct Sse2 {
         return reinterpret_cast<Bytes>(copies);
     }
 
+    using Ints = std::int32_t __attribute__((vector_size(16)));
+
+    /// Pixels of three bytes, each into the lower three bytes of an integer. Reads up to kOverrun bytes behind the last one.
+    static Ints LoadTriples(const std::uint8_t* p) noexcept { return Ints{Load4(p), Load4(p + 3), Load4(p + 6), Load4(p + 9)}; }
+    /// Products of the 16-bit halves of each integer, added in pairs.
+    static Ints MultiplyAdd(Ints a, Ints b) noexcept {
+        return reinterpret_cast<Ints>(_mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+    }
+    /// Integers from -128 to 127 as bytes, in order.
+    static Bytes Narrow(Ints a, Ints b, Ints c, Ints d) noexcept {
+        return Cooked(_mm_packs_epi16(_mm_packs_epi32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)),
+                                      _mm_packs_epi32(reinterpret_cast<__m128i>(c), reinterpret_cast<__m128i>(d))));
+    }
+
 private:
+    static std::int32_t Load4(const std::uint8_t* p) noexcept {
+        std::int32_t n;
+        std::memcpy(&n, p, sizeof n);
+        return n;
+    }
     static __m128i Raw(Bytes v) noexcept { return reinterpret_cast<__m128i>(v); }
     static Bytes Cooked(__m128i v) noexcept { return reinterpret_cast<Bytes>(v); }
 };
@@ -112,6 +131,25 @@ struct Avx2 {
         const __m256i places = _mm256_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1,  //
                                                 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3);
         return Cooked(_mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(static_cast<std::uint32_t>(word))), places));
+    }
+
+    using Ints = std::int32_t __attribute__((vector_size(32)));
+
+    static Ints LoadTriples(const std::uint8_t* p) noexcept {
+        const __m256i places = _mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
+                                                0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+        const __m128i lower = reinterpret_cast<__m128i>(Sse2::Load(p));
+        const __m128i upper = reinterpret_cast<__m128i>(Sse2::Load(p + 12));
+        return reinterpret_cast<Ints>(
+            _mm256_shuffle_epi8(_mm256_inserti128_si256(_mm256_castsi128_si256(lower), upper, 1), places));
+    }
+    static Ints MultiplyAdd(Ints a, Ints b) noexcept {
+        return reinterpret_cast<Ints>(_mm256_madd_epi16(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+    }
+    static Bytes Narrow(Ints a, Ints b, Ints c, Ints d) noexcept {
+        const __m256i lower = _mm256_packs_epi32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b));
+        const __m256i upper = _mm256_packs_epi32(reinterpret_cast<__m256i>(c), reinterpret_cast<__m256i>(d));
+        return Cooked(_mm256_permutevar8x32_epi32(_mm256_packs_epi16(lower, upper), _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
     }
 
 private:
