@@ -106,8 +106,9 @@ private:
     // Half distances of a band; the foreground stays behind where ridges will be.
     void SweepInwards(Band& band) noexcept {
         for (std::ptrdiff_t s = band.nOuter;; s -= band.nOut) {
-            m_foreground.Read(static_cast<std::int32_t>(s), band.Scratch(), band.Mask(), m_ridges.Row(s));
-            band.half.Step(band.Mask(), m_ridges.Row(s), Cells(s));
+            const std::ptrdiff_t nRowsAhead = s == band.nInner ? 0 : -band.nOut;
+            m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
+            band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
             if (s == band.nInner) {
                 break;
             }
@@ -138,12 +139,13 @@ private:
     }
 
     void MeasureRow(Band& band, std::ptrdiff_t s, bool bMayWrap) noexcept {
+        const std::ptrdiff_t nAhead = s == band.nOuter ? 0 : band.nOut * m_map.Columns();
         if (bMayWrap) {
             m_passes.expandBits(m_ridges.Row(s), m_nWords * kWordColumns, 255, band.Mask());
-            band.half.Step(band.Mask(), m_ridges.Row(s), band.Scratch());
-            m_passes.joinHalves(Cells(s), band.Scratch(), m_nWidth, band.Distance(s));
+            band.half.Step(band.Mask(), m_ridges.Row(s), 0, band.Scratch());
+            m_passes.joinHalves(Cells(s), band.Scratch(), m_nWidth, nAhead, band.Distance(s));
         } else {
-            m_passes.stepDistance(band.Distance(s - band.nOut), Cells(s), m_nWidth, band.Distance(s));
+            m_passes.stepDistance(band.Distance(s - band.nOut), Cells(s), m_nWidth, nAhead, band.Distance(s));
         }
     }
 

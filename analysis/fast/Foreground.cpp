@@ -46,36 +46,37 @@ ForegroundReader::ForegroundReader(const DibView& dib, GreyWindow window, const 
     const auto behind = std::find(first, end, 0);
     m_bRange = first != end && std::find(behind, end, 1) == end;
     if (m_bRange) {
-        m_nFirst = static_cast<std::uint8_t>(first - m_inside.begin());
-        m_nSpan = static_cast<std::uint8_t>(behind - first - 1);
+        m_range = {static_cast<std::uint8_t>(first - m_inside.begin()), static_cast<std::uint8_t>(behind - first - 1)};
     }
     if (dib.BitCount() == 1) {
         m_inside = BitsByByte(m_inside);
     }
 }
 
-void ForegroundReader::Read(std::int32_t s, std::uint8_t* pScratch, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept {
-    const std::uint8_t* pRow = m_dib.Row(s).data();
+void ForegroundReader::Read(std::ptrdiff_t s, std::ptrdiff_t nRowsAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
+                            std::uint64_t* pBits) const noexcept {
+    const std::uint8_t* pRow = m_dib.Row(static_cast<std::int32_t>(s)).data();
+    const std::ptrdiff_t nAhead = nRowsAhead * static_cast<std::ptrdiff_t>(m_dib.Figures().nStride);
     switch (m_dib.BitCount()) {
         case 1:
             return ReadBits(pRow, pMask, pBits);
         case 4:
             m_passes.unpackHalfBytes(pRow, m_dib.Width(), pScratch);
-            return ReadIndices(pScratch, pScratch, pMask, pBits);
+            return ReadIndices(pScratch, 0, pScratch, pMask, pBits);
         case 8:
-            return ReadIndices(pRow, pScratch, pMask, pBits);
+            return ReadIndices(pRow, nAhead, pScratch, pMask, pBits);
         default:
-            return ReadTrueColour(pRow, pScratch, pMask, pBits);
+            return ReadTrueColour(pRow, nAhead, pScratch, pMask, pBits);
     }
 }
 
-void ForegroundReader::ReadIndices(const std::uint8_t* pIndices, std::uint8_t* pScratch, std::uint8_t* pMask,
-                                   std::uint64_t* pBits) const noexcept {
+void ForegroundReader::ReadIndices(const std::uint8_t* pIndices, std::ptrdiff_t nAhead, std::uint8_t* pScratch,
+                                   std::uint8_t* pMask, std::uint64_t* pBits) const noexcept {
     if (m_bRange) {
-        return m_passes.foregroundOfIndices(pIndices, m_dib.Width(), m_nFirst, m_nSpan, pMask, pBits);
+        return m_passes.foregroundOfIndices(pIndices, m_dib.Width(), nAhead, m_range, pMask, pBits);
     }
     std::transform(pIndices, pIndices + m_dib.Width(), pScratch, [this](std::uint8_t nIndex) { return m_inside[nIndex]; });
-    m_passes.foregroundOfIndices(pScratch, m_dib.Width(), 1, 0, pMask, pBits);
+    m_passes.foregroundOfIndices(pScratch, m_dib.Width(), 0, {1, 0}, pMask, pBits);
 }
 
 void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept {
@@ -92,18 +93,18 @@ void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, s
     m_passes.expandBits(pBits, nWords * kWordColumns, kMaskInside, pMask);
 }
 
-void ForegroundReader::ReadTrueColour(const std::uint8_t* pRow, std::uint8_t* pScratch, std::uint8_t* pMask,
-                                      std::uint64_t* pBits) const noexcept {
+void ForegroundReader::ReadTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nAhead, std::uint8_t* pScratch,
+                                      std::uint8_t* pMask, std::uint64_t* pBits) const noexcept {
     const std::ptrdiff_t nBytes = m_dib.BitCount() / 8;
     const std::ptrdiff_t nWidth = m_dib.Width();
-    if (m_passes.judgeTrueColour(pRow, nBytes, nWidth, m_scaled, pScratch)) {
+    if (m_passes.judgeTrueColour(pRow, nBytes, nWidth, nAhead, m_scaled, pScratch)) {
         std::uint8_t* const pEnd = pScratch + nWidth;
         for (std::uint8_t* p = std::find(pScratch, pEnd, kPixelOnLimit); p != pEnd; p = std::find(p, pEnd, kPixelOnLimit)) {
             const std::uint8_t* pPixel = pRow + (p - pScratch) * nBytes;
             *p = IsInside({pPixel[2], pPixel[1], pPixel[0]}, m_window) ? kPixelInside : 0;
         }
     }
-    m_passes.foregroundOfIndices(pScratch, nWidth, kPixelInside, 0, pMask, pBits);
+    m_passes.foregroundOfIndices(pScratch, nWidth, 0, {kPixelInside, 0}, pMask, pBits);
 }
 
 }  // namespace width::fast

@@ -17,14 +17,16 @@ public:
     ForegroundReader(const DibView& dib, GreyWindow window, const RowPasses& passes) noexcept;
 
     /// Foreground of block row s, as a mask and as bits.
-    /// pScratch  a strip to work on
-    void Read(std::int32_t s, std::uint8_t* pScratch, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
+    /// nRowsAhead  from this row to the one that will be read after it, 0 if none will
+    /// pScratch    a strip to work on
+    void Read(std::ptrdiff_t s, std::ptrdiff_t nRowsAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
+              std::uint64_t* pBits) const noexcept;
 
 private:
-    void ReadIndices(const std::uint8_t* pIndices, std::uint8_t* pScratch, std::uint8_t* pMask,
+    void ReadIndices(const std::uint8_t* pIndices, std::ptrdiff_t nAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
                      std::uint64_t* pBits) const noexcept;
     void ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
-    void ReadTrueColour(const std::uint8_t* pRow, std::uint8_t* pScratch, std::uint8_t* pMask,
+    void ReadTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
                         std::uint64_t* pBits) const noexcept;
 
     const DibView& m_dib;
@@ -33,8 +35,7 @@ private:
     ScaledWindow m_scaled;
     InsideTable m_inside{};  // by index; at one bit a pixel by byte: the bits of its eight pixels, the first lowest
     bool m_bRange = false;   // whether the indices inside are one range, or none
-    std::uint8_t m_nFirst = 0;
-    std::uint8_t m_nSpan = 0;
+    IndexRange m_range;
 };
 
 }  // namespace width::fast

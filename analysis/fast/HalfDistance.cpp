@@ -57,16 +57,17 @@ HalfDistance::HalfDistance(const RowPasses& passes, std::ptrdiff_t nWidth)
       m_pRunsRight(m_strips.At(3)),
       m_wrapping(static_cast<std::size_t>(WordsFor(nWidth))) {}
 
-void HalfDistance::Step(const std::uint8_t* pMask, const std::uint64_t* pBits, std::uint8_t* pHalf) noexcept {
+void HalfDistance::Step(const std::uint8_t* pMask, const std::uint64_t* pBits, std::ptrdiff_t nAhead,
+                        std::uint8_t* pHalf) noexcept {
     m_passes.measureRuns(pMask, pBits, WordsFor(m_nWidth), m_pRunsLeft, m_pRunsRight);
     if (m_bMayWrap) {
-        StepWithWrap(pMask, pHalf);
+        StepWithWrap(pMask, nAhead, pHalf);
     } else {
-        m_bMayWrap = m_passes.stepPasses(m_pair, {pMask, m_pRunsLeft, m_pRunsRight}, m_nWidth, pHalf) > kSureNotToWrap;
+        m_bMayWrap = m_passes.stepPasses(m_pair, {pMask, m_pRunsLeft, m_pRunsRight}, m_nWidth, nAhead, pHalf) > kSureNotToWrap;
     }
 }
 
-void HalfDistance::StepWithWrap(const std::uint8_t* pMask, std::uint8_t* pHalf) noexcept {
+void HalfDistance::StepWithWrap(const std::uint8_t* pMask, std::ptrdiff_t nAhead, std::uint8_t* pHalf) noexcept {
     const std::ptrdiff_t nWords = WordsFor(m_nWidth);
     if (m_passes.lowerToRuns(m_pair.pFromLeft, m_pRunsLeft, -1, pMask, nWords, m_wrapping.data())) {
         for (std::ptrdiff_t c = NextBit(m_wrapping, 0); c >= 0; c = NextBit(m_wrapping, c + kReach + 1)) {
@@ -78,7 +79,7 @@ void HalfDistance::StepWithWrap(const std::uint8_t* pMask, std::uint8_t* pHalf) 
             m_passes.lowerLeft(m_pair.pFromRight + c);
         }
     }
-    m_passes.addStep(m_pair, pMask, m_nWidth, pHalf);
+    m_passes.addStep(m_pair, pMask, m_nWidth, nAhead, pHalf);
 }
 
 void HalfDistance::SwapWith(HalfDistance& other) noexcept {
@@ -90,7 +91,7 @@ void HalfDistance::SwapWith(HalfDistance& other) noexcept {
 }
 
 void HalfDistance::Smaller(std::uint8_t* pOut) noexcept {
-    m_passes.joinHalves(m_pair.pFromLeft, m_pair.pFromRight, m_nWidth, pOut);
+    m_passes.joinHalves(m_pair.pFromLeft, m_pair.pFromRight, m_nWidth, 0, pOut);
 }
 
 }  // namespace width::fast

@@ -18,8 +18,9 @@ public:
 
     /// Moves on by a row.
     /// pMask, pBits  its foreground
+    /// nAhead        bytes from pHalf to that of the next row, 0 if there is none
     /// pHalf         gets the smaller distance of the two passes, exactly one byte a pixel
-    void Step(const std::uint8_t* pMask, const std::uint64_t* pBits, std::uint8_t* pHalf) noexcept;
+    void Step(const std::uint8_t* pMask, const std::uint64_t* pBits, std::ptrdiff_t nAhead, std::uint8_t* pHalf) noexcept;
 
     /// Whether a distance was so large that some pass may wrap, if not here then in the rows that the opposite pair does.
     bool MayWrap() const noexcept { return m_bMayWrap; }
@@ -31,7 +32,7 @@ public:
     void Smaller(std::uint8_t* pOut) noexcept;
 
 private:
-    void StepWithWrap(const std::uint8_t* pMask, std::uint8_t* pHalf) noexcept;
+    void StepWithWrap(const std::uint8_t* pMask, std::ptrdiff_t nAhead, std::uint8_t* pHalf) noexcept;
 
     const RowPasses& m_passes;
     std::ptrdiff_t m_nWidth;

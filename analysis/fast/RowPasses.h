@@ -48,10 +48,18 @@ struct DistanceRows {
     const std::uint8_t* pNext2;
 };
 
+/// Indices from nFirst to nFirst + nSpan.
+struct IndexRange {
+    std::uint8_t nFirst = 0;
+    std::uint8_t nSpan = 0;
+};
+
+/// nAhead, where a pass has it: bytes from a row that is not a strip to the one that comes after it, 0 if none does. Memory
+/// that far ahead is asked for early, since rows that follow each other downwards are nothing that a processor expects.
 struct RowPasses {
-    /// Foreground of a row of indices: those from nFirst to nFirst + nSpan, as a mask and as bits.
-    void (*foregroundOfIndices)(const std::uint8_t* pIndices, std::ptrdiff_t nWidth, std::uint8_t nFirst, std::uint8_t nSpan,
-                                std::uint8_t* pMask, std::uint64_t* pBits) noexcept;
+    /// Foreground of a row of indices: those in a range, as a mask and as bits.
+    void (*foregroundOfIndices)(const std::uint8_t* pIndices, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                                const IndexRange& range, std::uint8_t* pMask, std::uint64_t* pBits) noexcept;
 
     /// Indices of a row of four bits a pixel, the higher half of a byte first.
     void (*unpackHalfBytes)(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::uint8_t* pIndices) noexcept;
@@ -60,8 +68,8 @@ struct RowPasses {
     /// the comparison in doubles can tell.
     /// nBytes   of a pixel: 3 or 4
     /// returns  whether any pixel is on a limit
-    bool (*judgeTrueColour)(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth, const ScaledWindow& window,
-                            std::uint8_t* pVerdicts) noexcept;
+    bool (*judgeTrueColour)(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                            const ScaledWindow& window, std::uint8_t* pVerdicts) noexcept;
 
     /// Sets a byte to value for each bit that is set, and to 0 for the others.
     /// pOut  exactly nWidth bytes are written, so this need not be a strip
@@ -74,7 +82,8 @@ struct RowPasses {
     /// Moves both passes on by a row in which no distance wraps; their smaller one goes to pHalf.
     /// pHalf    exactly nWidth bytes are written
     /// returns  the largest distance of either pass in the row
-    std::uint8_t (*stepPasses)(const PassPair& passes, const RowRuns& row, std::ptrdiff_t nWidth, std::uint8_t* pHalf) noexcept;
+    std::uint8_t (*stepPasses)(const PassPair& passes, const RowRuns& row, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                               std::uint8_t* pHalf) noexcept;
 
     /// The first half of the same where distances may wrap: what a cell gets 1 added to, so that 255 is about to wrap.
     /// pDistance  one pass's state, changed in place
@@ -89,14 +98,16 @@ struct RowPasses {
     void (*lowerLeft)(std::uint8_t* pWrapped) noexcept;
 
     /// The second half: adds 1 and clears the background. Output as for stepPasses.
-    void (*addStep)(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::uint8_t* pHalf) noexcept;
+    void (*addStep)(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                    std::uint8_t* pHalf) noexcept;
 
     /// Distance of a row from its half distance and the distances of the row before: one step more than there, or less.
-    void (*stepDistance)(const std::uint8_t* pBefore, const std::uint8_t* pHalf, std::ptrdiff_t nWidth,
+    void (*stepDistance)(const std::uint8_t* pBefore, const std::uint8_t* pHalf, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
                          std::uint8_t* pOut) noexcept;
 
     /// The smaller of two half distances. pOut may be pOther.
-    void (*joinHalves)(const std::uint8_t* pHalf, const std::uint8_t* pOther, std::ptrdiff_t nWidth, std::uint8_t* pOut) noexcept;
+    void (*joinHalves)(const std::uint8_t* pHalf, const std::uint8_t* pOther, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                       std::uint8_t* pOut) noexcept;
 
     /// Ridges and first crest cells of a row, and the first cells of its plateaus, as bits.
     /// pInner         bits of the columns in which a crest along the row may have its first cell

@@ -11,6 +11,7 @@ template <class V>
 struct RowPassesOf {
     using Bytes = typename V::Bytes;
     static constexpr std::ptrdiff_t kVectors = kWordColumns / V::kWidth;  // in a word
+    static constexpr std::ptrdiff_t kLine = 64;                           // of the cache
     static constexpr std::uint64_t kAll = ~std::uint64_t{0};
 
     // How a row that is not a strip is read and written: in whole vectors, and its end by way of a vector on the stack, so
@@ -45,14 +46,15 @@ struct RowPassesOf {
         return n >= kWordColumns ? kAll : (std::uint64_t{1} << n) - 1;
     }
 
-    static void ForegroundOfIndices(const std::uint8_t* pIndices, std::ptrdiff_t nWidth, std::uint8_t nFirst, std::uint8_t nSpan,
-                                    std::uint8_t* pMask, std::uint64_t* pBits) noexcept {
-        const Bytes first = Splat<V>(nFirst);
-        const Bytes span = Splat<V>(nSpan);
+    static void ForegroundOfIndices(const std::uint8_t* pIndices, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                                    const IndexRange& range, std::uint8_t* pMask, std::uint64_t* pBits) noexcept {
+        const Bytes first = Splat<V>(range.nFirst);
+        const Bytes span = Splat<V>(range.nSpan);
         const auto inside = [&](Bytes v) { return Verdict<V>(v - first <= span); };
         const std::ptrdiff_t nFull = nWidth / kWordColumns;
         for (std::ptrdiff_t w = 0; w < nFull; ++w) {
             std::uint64_t bits = 0;
+            __builtin_prefetch(pIndices + w * kWordColumns + nAhead);
             for (std::ptrdiff_t i = 0; i < kVectors; ++i) {
                 const std::ptrdiff_t c = w * kWordColumns + i * V::kWidth;
                 const Bytes mask = inside(V::Load(pIndices + c));
@@ -101,12 +103,15 @@ struct RowPassesOf {
     }
 
     template <std::ptrdiff_t nBytes>
-    static bool JudgeRow(const std::uint8_t* pRow, std::ptrdiff_t nWidth, const ScaledWindow& window,
+    static bool JudgeRow(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead, const ScaledWindow& window,
                          std::uint8_t* pVerdicts) noexcept {
         constexpr std::ptrdiff_t kOverrun = nBytes == 3 ? 2 : 0;  // pixels that a load reaches beyond those it is for
         typename V::Ints onLimits{};
         std::ptrdiff_t x = 0;
         for (; x + V::kWidth + kOverrun <= nWidth; x += V::kWidth) {
+            for (std::ptrdiff_t i = 0; i < V::kWidth * nBytes; i += kLine) {
+                __builtin_prefetch(pRow + x * nBytes + nAhead + i);
+            }
             V::Store(pVerdicts + x, JudgePixels<nBytes>(pRow + x * nBytes, window, onLimits));
         }
         std::uint8_t rest[(2 * V::kWidth + kOverrun) * nBytes] = {};
@@ -117,9 +122,10 @@ struct RowPassesOf {
         return V::HighBits(reinterpret_cast<Bytes>(onLimits)) != 0;
     }
 
-    static bool JudgeTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth,
+    static bool JudgeTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nBytes, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
                                 const ScaledWindow& window, std::uint8_t* pVerdicts) noexcept {
-        return nBytes == 3 ? JudgeRow<3>(pRow, nWidth, window, pVerdicts) : JudgeRow<4>(pRow, nWidth, window, pVerdicts);
+        return nBytes == 3 ? JudgeRow<3>(pRow, nWidth, nAhead, window, pVerdicts)
+                           : JudgeRow<4>(pRow, nWidth, nAhead, window, pVerdicts);
     }
 
     static void ExpandBits(const std::uint64_t* pBits, std::ptrdiff_t nWidth, std::uint8_t value, std::uint8_t* pOut) noexcept {
@@ -204,7 +210,7 @@ struct RowPassesOf {
     // A pass gives each foreground cell the smaller of the cell before in its row and the cell of the row before, plus 1.
     // From one cell to the next in its direction a pass rises by 1 at most, in the row before too. So the row before
     // speaks for itself in each cell, and what the row brings in is the distance to its own background: the run before.
-    static std::uint8_t StepPasses(const PassPair& passes, const RowRuns& row, std::ptrdiff_t nWidth,
+    static std::uint8_t StepPasses(const PassPair& passes, const RowRuns& row, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
                                    std::uint8_t* pHalf) noexcept {
         Bytes largest{};
         EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
@@ -213,6 +219,7 @@ struct RowPassesOf {
             const Bytes right = (Min<V>(V::Load(passes.pFromRight + c), V::Load(row.pRunsRight + c + 1)) + 1) & mask;
             V::Store(passes.pFromLeft + c, left);
             V::Store(passes.pFromRight + c, right);
+            __builtin_prefetch(pHalf + c + nAhead, 1);
             how.Store(pHalf + c, Min<V>(left, right));
             largest = Max<V>(largest, Max<V>(left, right));
         });
@@ -253,28 +260,33 @@ struct RowPassesOf {
         }
     }
 
-    static void AddStep(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::uint8_t* pHalf) noexcept {
+    static void AddStep(const PassPair& passes, const std::uint8_t* pMask, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                        std::uint8_t* pHalf) noexcept {
         EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
             const Bytes mask = V::Load(pMask + c);
             const Bytes left = (V::Load(passes.pFromLeft + c) + 1) & mask;
             const Bytes right = (V::Load(passes.pFromRight + c) + 1) & mask;
             V::Store(passes.pFromLeft + c, left);
             V::Store(passes.pFromRight + c, right);
+            __builtin_prefetch(pHalf + c + nAhead, 1);
             how.Store(pHalf + c, Min<V>(left, right));
         });
     }
 
-    static void StepDistance(const std::uint8_t* pBefore, const std::uint8_t* pHalf, std::ptrdiff_t nWidth,
+    static void StepDistance(const std::uint8_t* pBefore, const std::uint8_t* pHalf, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
                              std::uint8_t* pOut) noexcept {
         EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
+            __builtin_prefetch(pHalf + c + nAhead);
             V::Store(pOut + c, Min<V>(V::AddSaturated(V::Load(pBefore + c), Splat<V>(1)), how.Load(pHalf + c)));
         });
     }
 
-    static void JoinHalves(const std::uint8_t* pHalf, const std::uint8_t* pOther, std::ptrdiff_t nWidth,
+    static void JoinHalves(const std::uint8_t* pHalf, const std::uint8_t* pOther, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
                            std::uint8_t* pOut) noexcept {
-        EachVector(nWidth,
-                   [&](std::ptrdiff_t c, auto how) { V::Store(pOut + c, Min<V>(how.Load(pHalf + c), V::Load(pOther + c))); });
+        EachVector(nWidth, [&](std::ptrdiff_t c, auto how) {
+            __builtin_prefetch(pHalf + c + nAhead);
+            V::Store(pOut + c, Min<V>(how.Load(pHalf + c), V::Load(pOther + c)));
+        });
     }
 
     struct Marks {
