@@ -4,6 +4,7 @@
 #include "analysis/fast/Foreground.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace width::fast {
 
@@ -11,17 +12,11 @@ namespace {
 
 constexpr std::uint8_t kMaskInside = 255;
 
-// The bits of eight pixels from their byte, whose highest bit is the first pixel.
-InsideTable BitsByByte(const InsideTable& byIndex) noexcept {
-    InsideTable bits{};
-    for (std::size_t nByte = 0; nByte < 256; ++nByte) {
-        std::uint32_t pixels = 0;
-        for (std::size_t i = 0; i < 8; ++i) {
-            pixels |= std::uint32_t{byIndex[(nByte >> (7 - i)) & 1]} << i;
-        }
-        bits[nByte] = static_cast<std::uint8_t>(pixels);
-    }
-    return bits;
+// The bits of each byte of a word in opposite order.
+std::uint64_t ReverseBitsInBytes(std::uint64_t word) noexcept {
+    word = ((word >> 1) & 0x5555555555555555) | ((word & 0x5555555555555555) << 1);
+    word = ((word >> 2) & 0x3333333333333333) | ((word & 0x3333333333333333) << 2);
+    return ((word >> 4) & 0x0F0F0F0F0F0F0F0F) | ((word & 0x0F0F0F0F0F0F0F0F) << 4);
 }
 
 // 299 R + 587 G + 114 B differs from 1000 times a limit by 1 or more wherever the two are not equal, far more than the
@@ -48,9 +43,6 @@ ForegroundReader::ForegroundReader(const DibView& dib, GreyWindow window, const 
     if (m_bRange) {
         m_range = {static_cast<std::uint8_t>(first - m_inside.begin()), static_cast<std::uint8_t>(behind - first - 1)};
     }
-    if (dib.BitCount() == 1) {
-        m_inside = BitsByByte(m_inside);
-    }
 }
 
 void ForegroundReader::Read(std::ptrdiff_t s, std::ptrdiff_t nRowsAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
@@ -59,9 +51,9 @@ void ForegroundReader::Read(std::ptrdiff_t s, std::ptrdiff_t nRowsAhead, std::ui
     const std::ptrdiff_t nAhead = nRowsAhead * static_cast<std::ptrdiff_t>(m_dib.Figures().nStride);
     switch (m_dib.BitCount()) {
         case 1:
-            return ReadBits(pRow, pMask, pBits);
+            return ReadBits(pRow, nAhead, pMask, pBits);
         case 4:
-            m_passes.unpackHalfBytes(pRow, m_dib.Width(), pScratch);
+            m_passes.unpackHalfBytes(pRow, m_dib.Width(), nAhead, pScratch);
             return ReadIndices(pScratch, 0, pScratch, pMask, pBits);
         case 8:
             return ReadIndices(pRow, nAhead, pScratch, pMask, pBits);
@@ -79,15 +71,19 @@ void ForegroundReader::ReadIndices(const std::uint8_t* pIndices, std::ptrdiff_t 
     m_passes.foregroundOfIndices(pScratch, m_dib.Width(), 0, {1, 0}, pMask, pBits);
 }
 
-void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept {
+void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::ptrdiff_t nAhead, std::uint8_t* pMask,
+                                std::uint64_t* pBits) const noexcept {
     const std::ptrdiff_t nWidth = m_dib.Width();
     const std::ptrdiff_t nWords = WordsFor(nWidth);
+    const std::uint64_t ones = m_inside[1] != 0 ? ~std::uint64_t{0} : 0;
+    const std::uint64_t zeros = m_inside[0] != 0 ? ~std::uint64_t{0} : 0;
     for (std::ptrdiff_t w = 0; w < nWords; ++w) {
         const std::ptrdiff_t nColumns = std::min(nWidth - w * kWordColumns, kWordColumns);
-        std::uint64_t word = 0;
-        for (std::ptrdiff_t i = 0; 8 * i < nColumns; ++i) {
-            word |= std::uint64_t{m_inside[pRow[8 * w + i]]} << (8 * i);
-        }
+        std::uint64_t pixels = 0;
+        std::memcpy(&pixels, pRow + 8 * w, static_cast<std::size_t>((nColumns + 7) / 8));
+        __builtin_prefetch(pRow + 8 * w + nAhead);
+        pixels = ReverseBitsInBytes(pixels);
+        const std::uint64_t word = (pixels & ones) | (~pixels & zeros);
         pBits[w] = nColumns < kWordColumns ? word & ((std::uint64_t{1} << nColumns) - 1) : word;
     }
     m_passes.expandBits(pBits, nWords * kWordColumns, kMaskInside, pMask);

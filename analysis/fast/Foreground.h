@@ -25,7 +25,7 @@ public:
 private:
     void ReadIndices(const std::uint8_t* pIndices, std::ptrdiff_t nAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
                      std::uint64_t* pBits) const noexcept;
-    void ReadBits(const std::uint8_t* pRow, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
+    void ReadBits(const std::uint8_t* pRow, std::ptrdiff_t nAhead, std::uint8_t* pMask, std::uint64_t* pBits) const noexcept;
     void ReadTrueColour(const std::uint8_t* pRow, std::ptrdiff_t nAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
                         std::uint64_t* pBits) const noexcept;
 
@@ -33,7 +33,7 @@ private:
     const RowPasses& m_passes;
     GreyWindow m_window;
     ScaledWindow m_scaled;
-    InsideTable m_inside{};  // by index; at one bit a pixel by byte: the bits of its eight pixels, the first lowest
+    InsideTable m_inside{};  // by index
     bool m_bRange = false;   // whether the indices inside are one range, or none
     IndexRange m_range;
 };

@@ -62,7 +62,8 @@ struct RowPasses {
                                 const IndexRange& range, std::uint8_t* pMask, std::uint64_t* pBits) noexcept;
 
     /// Indices of a row of four bits a pixel, the higher half of a byte first.
-    void (*unpackHalfBytes)(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::uint8_t* pIndices) noexcept;
+    void (*unpackHalfBytes)(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                            std::uint8_t* pIndices) noexcept;
 
     /// Where the pixels of a row of true colour lie: kPixelInside between the limits, 0 beyond them, kPixelOnLimit where only
     /// the comparison in doubles can tell.

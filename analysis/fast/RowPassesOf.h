@@ -78,11 +78,13 @@ struct RowPassesOf {
         pBits[nFull] = bits & BitsOfColumns(nRest);
     }
 
-    static void UnpackHalfBytes(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::uint8_t* pIndices) noexcept {
-        for (std::ptrdiff_t i = 0; i < (nWidth + 1) / 2; ++i) {
-            pIndices[2 * i] = static_cast<std::uint8_t>(pRow[i] >> 4);
-            pIndices[2 * i + 1] = static_cast<std::uint8_t>(pRow[i] & 15);
-        }
+    static void UnpackHalfBytes(const std::uint8_t* pRow, std::ptrdiff_t nWidth, std::ptrdiff_t nAhead,
+                                std::uint8_t* pIndices) noexcept {
+        EachVector((nWidth + 1) / 2, [&](std::ptrdiff_t i, auto how) {
+            __builtin_prefetch(pRow + i + nAhead);
+            const Bytes pairs = how.Load(pRow + i);
+            V::StoreInTurn(pIndices + 2 * i, pairs >> 4, pairs & 15);
+        });
     }
 
     // One vector of verdicts, of kWidth pixels from p on. In 16-bit halves of an integer: blue and red, then green.

@@ -64,6 +64,12 @@ struct Sse2 {
         return reinterpret_cast<Bytes>(copies);
     }
 
+    /// Stores two vectors, a byte of each in turn.
+    static void StoreInTurn(std::uint8_t* p, Bytes a, Bytes b) noexcept {
+        Store(p, Cooked(_mm_unpacklo_epi8(Raw(a), Raw(b))));
+        Store(p + kWidth, Cooked(_mm_unpackhi_epi8(Raw(a), Raw(b))));
+    }
+
     using Ints = std::int32_t __attribute__((vector_size(16)));
 
     /// Pixels of three bytes, each into the lower three bytes of an integer. Reads up to kOverrun bytes behind the last one.
@@ -131,6 +137,13 @@ struct Avx2 {
         const __m256i places = _mm256_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1,  //
                                                 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3);
         return Cooked(_mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(static_cast<std::uint32_t>(word))), places));
+    }
+
+    static void StoreInTurn(std::uint8_t* p, Bytes a, Bytes b) noexcept {
+        const __m256i lower = _mm256_unpacklo_epi8(Raw(a), Raw(b));
+        const __m256i upper = _mm256_unpackhi_epi8(Raw(a), Raw(b));
+        Store(p, Cooked(_mm256_permute2x128_si256(lower, upper, 0x20)));
+        Store(p + kWidth, Cooked(_mm256_permute2x128_si256(lower, upper, 0x31)));
     }
 
     using Ints = std::int32_t __attribute__((vector_size(32)));
