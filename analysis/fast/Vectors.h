@@ -78,10 +78,23 @@ struct Sse2 {
     static Ints MultiplyAdd(Ints a, Ints b) noexcept {
         return reinterpret_cast<Ints>(_mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
     }
-    /// Integers from -128 to 127 as bytes, in order.
+    /// Integers from -32768 to 32767 as bytes, in order: Narrow from -128 to 127, NarrowUnsigned from 0 to 255.
     static Bytes Narrow(Ints a, Ints b, Ints c, Ints d) noexcept {
         return Cooked(_mm_packs_epi16(_mm_packs_epi32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)),
                                       _mm_packs_epi32(reinterpret_cast<__m128i>(c), reinterpret_cast<__m128i>(d))));
+    }
+
+    static Bytes NarrowUnsigned(Ints a, Ints b, Ints c, Ints d) noexcept {
+        return Cooked(_mm_packus_epi16(_mm_packs_epi32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)),
+                                       _mm_packs_epi32(reinterpret_cast<__m128i>(c), reinterpret_cast<__m128i>(d))));
+    }
+
+    /// The lower, or the upper, half of the integers as doubles, and back, truncated.
+    using Doubles = double __attribute__((vector_size(16)));
+    static Doubles LowerDoubles(Ints v) noexcept { return _mm_cvtepi32_pd(reinterpret_cast<__m128i>(v)); }
+    static Doubles UpperDoubles(Ints v) noexcept { return LowerDoubles(__builtin_shufflevector(v, v, 2, 3, 2, 3)); }
+    static Ints Truncated(Doubles lower, Doubles upper) noexcept {
+        return reinterpret_cast<Ints>(_mm_unpacklo_epi64(_mm_cvttpd_epi32(lower), _mm_cvttpd_epi32(upper)));
     }
 
 private:
@@ -160,12 +173,30 @@ struct Avx2 {
         return reinterpret_cast<Ints>(_mm256_madd_epi16(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
     }
     static Bytes Narrow(Ints a, Ints b, Ints c, Ints d) noexcept {
-        const __m256i lower = _mm256_packs_epi32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b));
-        const __m256i upper = _mm256_packs_epi32(reinterpret_cast<__m256i>(c), reinterpret_cast<__m256i>(d));
-        return Cooked(_mm256_permutevar8x32_epi32(_mm256_packs_epi16(lower, upper), _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+        return InOrder(_mm256_packs_epi16(_mm256_packs_epi32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)),
+                                          _mm256_packs_epi32(reinterpret_cast<__m256i>(c), reinterpret_cast<__m256i>(d))));
+    }
+    static Bytes NarrowUnsigned(Ints a, Ints b, Ints c, Ints d) noexcept {
+        return InOrder(_mm256_packus_epi16(_mm256_packs_epi32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)),
+                                           _mm256_packs_epi32(reinterpret_cast<__m256i>(c), reinterpret_cast<__m256i>(d))));
+    }
+
+    using Doubles = double __attribute__((vector_size(32)));
+    static Doubles LowerDoubles(Ints v) noexcept {
+        return _mm256_cvtepi32_pd(_mm256_castsi256_si128(reinterpret_cast<__m256i>(v)));
+    }
+    static Doubles UpperDoubles(Ints v) noexcept {
+        return _mm256_cvtepi32_pd(_mm256_extracti128_si256(reinterpret_cast<__m256i>(v), 1));
+    }
+    static Ints Truncated(Doubles lower, Doubles upper) noexcept {
+        return reinterpret_cast<Ints>(_mm256_set_m128i(_mm256_cvttpd_epi32(upper), _mm256_cvttpd_epi32(lower)));
     }
 
 private:
+    // Packing works within each group of 16 bytes: four bytes of each operand lie in each group.
+    static Bytes InOrder(__m256i packed) noexcept {
+        return Cooked(_mm256_permutevar8x32_epi32(packed, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+    }
     static __m256i Raw(Bytes v) noexcept { return reinterpret_cast<__m256i>(v); }
     static Bytes Cooked(__m256i v) noexcept { return reinterpret_cast<Bytes>(v); }
 };
