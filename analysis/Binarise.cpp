@@ -6,30 +6,25 @@
 // equal, far more than the doubles' error, so only equality needs the doubles themselves.
 // Tested by: tests/unit/analysis/SkeletonTest.cpp (all 2^24 colours against the doubles)
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "analysis/SkeletonPasses.h"
 
 namespace width {
 
-namespace {
-
-bool IsInsideByDoubles(Colour colour, GreyWindow window) noexcept {
+bool IsInside(Colour colour, GreyWindow window) noexcept {
     const double grey = SkeletonGrey(colour);
     return static_cast<double>(window.nMinGrey) <= grey && grey <= static_cast<double>(window.nMaxGrey);
 }
 
-using InsideTable = std::array<std::uint8_t, 256>;
-
-// Whether each index lies in the window.
 InsideTable InsideByIndex(const DibView& dib, GreyWindow window) noexcept {
     InsideTable inside{};
     const std::array<Colour, 256> palette = dib.Palette();
-    std::ranges::transform(palette, inside.begin(),
-                           [&](Colour colour) -> std::uint8_t { return IsInsideByDoubles(colour, window); });
+    std::ranges::transform(palette, inside.begin(), [&](Colour colour) -> std::uint8_t { return IsInside(colour, window); });
     return inside;
 }
+
+namespace {
 
 // Rows of whole bytes, each holding nPerByte pixels: every byte value is expanded once.
 template <std::size_t nPerByte>
@@ -89,8 +84,7 @@ void BinariseTrueColour(const DibView& dib, GreyWindow window, SkeletonMap& mask
         for (std::int32_t x = 0; x < dib.Width(); ++x, pPixel += nBytes) {
             const std::int32_t nGrey = 299 * pPixel[2] + 587 * pPixel[1] + 114 * pPixel[0];
             const bool bOnLimit = nGrey == nLow || nGrey == nHigh;
-            const bool bInside =
-                bOnLimit ? IsInsideByDoubles({pPixel[2], pPixel[1], pPixel[0]}, window) : nGrey > nLow && nGrey < nHigh;
+            const bool bInside = bOnLimit ? IsInside({pPixel[2], pPixel[1], pPixel[0]}, window) : nGrey > nLow && nGrey < nHigh;
             pOut[x] = static_cast<std::uint8_t>(bInside);
         }
     }

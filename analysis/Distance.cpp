@@ -6,7 +6,7 @@
 // share a sweep with a row buffer each, and only the minimum of all four is kept as a map. (The
 // minimum of the four is what the map holds even where one of them has wrapped to 0.) Two sweeps
 // where bytes don't wrap would do with plain city-block passes; these are right either way.
-// Tested by: tests/unit/analysis/SkeletonTest.cpp
+// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include <algorithm>
 #include <cstring>
 #include <vector>

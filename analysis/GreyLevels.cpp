@@ -4,9 +4,14 @@
 // Tested by: tests/unit/analysis/GreyLevelsTest.cpp (against a literal version)
 #include "analysis/GreyLevels.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdlib>
+#include <cstring>
+#include <functional>
 
+#include "analysis/fast/GreyRows.h"
 #include "core/Arithmetic.h"
 
 namespace width {
@@ -15,26 +20,46 @@ namespace {
 
 using Histogram = std::array<std::int32_t, 256>;
 
-// Several tables in turn, so that a run of equal bytes does not wait for one counter.
-Histogram CountBytes(const DibView& dib, std::size_t nBytesPerRow) noexcept {
-    std::array<Histogram, 4> tables{};
-    for (std::int32_t s = 0; s < dib.Height(); ++s) {
-        const std::uint8_t* pRow = dib.Row(s).data();
+// Counters in several tables that take turns, so that bytes that are often equal don't wait for one counter.
+class ByteCounter {
+public:
+    void Count(const std::uint8_t* p, std::size_t nBytes) noexcept {
         std::size_t i = 0;
-        for (; i + 4 <= nBytesPerRow; i += 4) {
-            ++tables[0][pRow[i]];
-            ++tables[1][pRow[i + 1]];
-            ++tables[2][pRow[i + 2]];
-            ++tables[3][pRow[i + 3]];
+        for (; i + 8 <= nBytes; i += 8) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, p + i, sizeof word);
+            if (word == std::rotl(word, 8)) {  // eight equal bytes
+                m_tables[0][word & 255] += 8;
+                continue;
+            }
+            for (std::size_t n = 0; n < 8; ++n) {
+                ++m_tables[n % kTables][(word >> (8 * n)) & 255];
+            }
         }
-        for (; i < nBytesPerRow; ++i) {
-            ++tables[0][pRow[i]];
+        for (; i < nBytes; ++i) {
+            ++m_tables[0][p[i]];
         }
     }
-    for (std::size_t i = 0; i < 256; ++i) {
-        tables[0][i] += tables[1][i] + tables[2][i] + tables[3][i];
+
+    Histogram Sum() const noexcept {
+        Histogram sum{};
+        for (const Histogram& table : m_tables) {
+            std::ranges::transform(sum, table, sum.begin(), std::plus<>());
+        }
+        return sum;
     }
-    return tables[0];
+
+private:
+    static constexpr std::size_t kTables = 4;
+    std::array<Histogram, kTables> m_tables{};
+};
+
+Histogram CountBytes(const DibView& dib, std::size_t nBytesPerRow) noexcept {
+    ByteCounter counter;
+    for (std::int32_t s = 0; s < dib.Height(); ++s) {
+        counter.Count(dib.Row(s).data(), nBytesPerRow);
+    }
+    return counter.Sum();
 }
 
 // Index of the pixel at place nPlace (0: leftmost) of a byte that holds 8 / nBitCount pixels.
@@ -73,16 +98,40 @@ Histogram CountGreysThroughTable(const DibView& dib) noexcept {
     return greys;
 }
 
-Histogram CountGreysOfPixels(const DibView& dib) noexcept {
-    const std::size_t nBytes = dib.BitCount() / 8U;
-    Histogram greys{};
+void GreyLevelsPlainly(const std::uint8_t* pPixels, std::ptrdiff_t nBytes, std::ptrdiff_t nCount,
+                       std::uint8_t* pLevels) noexcept {
+    for (std::ptrdiff_t i = 0; i < nCount; ++i, pPixels += nBytes) {
+        pLevels[i] = ThresholdGrey({pPixels[2], pPixels[1], pPixels[0]});
+    }
+}
+
+// The levels of some pixels at a time, and then their counts.
+Histogram CountGreysOfPixels(const DibView& dib, fast::GreyLevelsFunction greyLevels) noexcept {
+    constexpr std::ptrdiff_t kAtATime = 1024;
+    const std::ptrdiff_t nBytes = dib.BitCount() / 8;
+    std::array<std::uint8_t, kAtATime> levels{};
+    ByteCounter counter;
     for (std::int32_t s = 0; s < dib.Height(); ++s) {
-        const std::uint8_t* pPixel = dib.Row(s).data();
-        for (std::int32_t x = 0; x < dib.Width(); ++x, pPixel += nBytes) {
-            ++greys[ThresholdGrey({pPixel[2], pPixel[1], pPixel[0]})];
+        const std::uint8_t* pRow = dib.Row(s).data();
+        for (std::ptrdiff_t x = 0; x < dib.Width(); x += kAtATime) {
+            const std::ptrdiff_t nCount = std::min(dib.Width() - x, kAtATime);
+            greyLevels(pRow + x * nBytes, nBytes, nCount, levels.data());
+            counter.Count(levels.data(), static_cast<std::size_t>(nCount));
         }
     }
-    return greys;
+    return counter.Sum();
+}
+
+fast::GreyLevelsFunction GreyLevelsFor(fast::InstructionSet set) noexcept {
+    switch (set) {
+        case fast::InstructionSet::Avx2:
+            return fast::GreyLevelsAvx2;
+        case fast::InstructionSet::Sse2:
+            return fast::GreyLevelsSse2;
+        case fast::InstructionSet::Plain:
+            break;
+    }
+    return GreyLevelsPlainly;
 }
 
 // The first level from 1 on at which the running total passes half of the pixels, or the one below.
@@ -112,6 +161,10 @@ std::uint8_t ThresholdGrey(Colour colour) noexcept {
 }
 
 std::int32_t CalcAutoThreshold(const DibView* pDib) noexcept {
+    return CalcAutoThreshold(pDib, fast::BestInstructionSet());
+}
+
+std::int32_t CalcAutoThreshold(const DibView* pDib, fast::InstructionSet set) noexcept {
     if (pDib == nullptr) {
         return -1;
     }
@@ -119,7 +172,7 @@ std::int32_t CalcAutoThreshold(const DibView* pDib) noexcept {
         return 0;
     }
     const bool bColourTable = pDib->BitCount() <= 8;
-    const Histogram greys = bColourTable ? CountGreysThroughTable(*pDib) : CountGreysOfPixels(*pDib);
+    const Histogram greys = bColourTable ? CountGreysThroughTable(*pDib) : CountGreysOfPixels(*pDib, GreyLevelsFor(set));
     return WalkToMiddle(greys, WrapMul(pDib->Width(), pDib->Height()), bColourTable);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "analysis/fast/InstructionSet.h"
 #include "core/PackedDib.h"
 
 namespace width {
@@ -19,5 +20,8 @@ std::uint8_t ThresholdGrey(Colour colour) noexcept;
 /// pDib     the picture, or null
 /// returns  -1 without a picture, 0 for a depth whose pixels can't be read (16, say), else 0..255
 std::int32_t CalcAutoThreshold(const DibView* pDib) noexcept;
+
+/// The same by given instructions, which the processor must have; the result is the same with any.
+std::int32_t CalcAutoThreshold(const DibView* pDib, fast::InstructionSet set) noexcept;
 
 }  // namespace width

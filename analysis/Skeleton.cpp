@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "analysis/SkeletonPasses.h"
+#include "analysis/fast/FastSkeleton.h"
 
 namespace width {
 
@@ -94,16 +95,20 @@ double SkeletonGrey(Colour colour) noexcept {
 
 std::optional<SkeletonMap> MakeSkeleton(const DibView& dib, GreyWindow window) noexcept {
     try {
-        SkeletonMap map(dib.Height(), dib.Width());  // the foreground first, then the ridge, in the end the skeleton
-        SkeletonMap distance(dib.Height(), dib.Width());
-        Binarise(dib, window, map);
-        MeasureDistance(map, distance);
-        MarkRidges(distance, map);
-        ReduceBlocks(map);
-        return map;
+        return fast::MakeSkeleton(dib, window, fast::BestInstructionSet(), fast::ThreadsFor(dib));
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
+}
+
+SkeletonMap MakeSkeletonPlainly(const DibView& dib, GreyWindow window) {
+    SkeletonMap map(dib.Height(), dib.Width());  // the foreground first, then the ridge, in the end the skeleton
+    SkeletonMap distance(dib.Height(), dib.Width());
+    Binarise(dib, window, map);
+    MeasureDistance(map, distance);
+    MarkRidges(distance, map);
+    ReduceBlocks(map);
+    return map;
 }
 
 void MarkRidges(const SkeletonMap& distance, SkeletonMap& ridge) noexcept {

@@ -4,7 +4,7 @@
 // remembers where; the second goes through those places in the same order and gives back the cells
 // that join a neighbour. Both work in place, so each test sees what earlier cells of the same scan
 // have changed: the order is part of the result.
-// Tested by: tests/unit/analysis/SkeletonTest.cpp
+// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include <cstring>
 #include <vector>
 

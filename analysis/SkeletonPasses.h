@@ -1,10 +1,22 @@
-// The passes of the skeleton, each a scan over the whole map. For MakeSkeleton, tests and benchmarks.
+// The passes of the skeleton in their plain form, each a scan over the whole map. For the plain way, tests and benchmarks.
 // Tested by: tests/unit/analysis/SkeletonTest.cpp
 #pragma once
+
+#include <array>
 
 #include "analysis/Skeleton.h"
 
 namespace width {
+
+/// The skeleton by the passes below, on whatever processor; what the fast way is measured against. Throws std::bad_alloc.
+SkeletonMap MakeSkeletonPlainly(const DibView& dib, GreyWindow window);
+
+/// Whether a colour's grey lies in the window, compared in doubles.
+bool IsInside(Colour colour, GreyWindow window) noexcept;
+
+/// 1 for each index of a picture with a colour table whose colour lies in the window, else 0.
+using InsideTable = std::array<std::uint8_t, 256>;
+InsideTable InsideByIndex(const DibView& dib, GreyWindow window) noexcept;
 
 /// Sets the cell of every pixel to 1 if its grey lies in the window, else to 0.
 /// mask  of the picture's size; a depth whose pixels can't be read leaves it as it is

@@ -98,14 +98,14 @@ Plane Draw(Scene scene, std::int32_t nSize) {
 // Ink and paper get a slight tint in 24 bits, so that no shortcut for equal parts helps.
 std::vector<std::byte> Pack(Plane& plane, std::uint16_t nBitCount) {
     test::DibBuilder builder(plane.nSize, plane.nSize, nBitCount);
-    if (nBitCount == 8) {
+    if (nBitCount <= 8) {
         builder.GreyTable();
     }
     for (std::int32_t s = 0; s < plane.nSize; ++s) {
         for (std::int32_t x = 0; x < plane.nSize; ++x) {
             const std::uint8_t level = plane.At(x, s);
-            if (nBitCount == 8) {
-                builder.SetIndex(x, s, level);
+            if (nBitCount <= 8) {
+                builder.SetIndex(x, s, static_cast<std::uint32_t>(level) >> (8 - nBitCount));
             } else {
                 builder.SetPixel(x, s, {static_cast<std::uint8_t>(level ^ 1U), level, static_cast<std::uint8_t>(level ^ 2U)});
             }

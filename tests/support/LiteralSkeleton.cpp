@@ -1,6 +1,7 @@
 #include "tests/support/LiteralSkeleton.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace width::test {
 

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "analysis/fast/GreyRows.h"
 #include "tests/support/LiteralThreshold.h"
 #include "tests/support/Pictures.h"
 
 namespace width {
 namespace {
 
+using fast::InstructionSet;
 using test::DibBuilder;
 
 std::int32_t ThresholdOf(const std::vector<std::byte>& block) {
@@ -21,6 +23,37 @@ std::vector<std::byte> Plain(std::uint16_t nBits, std::int32_t nWidth, Colour co
         nBits > 8 ? builder.SetPixel(x, 0, colour) : builder.SetColour(0, colour);
     }
     return builder.Block();
+}
+
+std::vector<InstructionSet> Sets() {
+    std::vector<InstructionSet> sets = {InstructionSet::Plain, InstructionSet::Sse2};
+    if (fast::BestInstructionSet() == InstructionSet::Avx2) {
+        sets.push_back(InstructionSet::Avx2);
+    }
+    return sets;
+}
+
+// The levels of all 2^24 colours by each instruction set, in rows of a length that no vector divides.
+TEST(GreyLevels, AllColoursByVectors) {
+    constexpr std::uint32_t kRow = 4095;
+    std::vector<std::uint8_t> row(3 * kRow);
+    std::vector<std::uint8_t> expected(kRow);
+    std::vector<std::uint8_t> levels(kRow);
+    for (std::uint32_t nColour = 0; nColour < 1U << 24; nColour += kRow) {
+        for (std::uint32_t i = 0; i < kRow; ++i) {
+            const std::uint32_t n = nColour + i;
+            row[3 * i] = static_cast<std::uint8_t>(n);
+            row[3 * i + 1] = static_cast<std::uint8_t>(n >> 8);
+            row[3 * i + 2] = static_cast<std::uint8_t>(n >> 16);
+            expected[i] = ThresholdGrey({row[3 * i + 2], row[3 * i + 1], row[3 * i]});
+        }
+        for (const InstructionSet set : Sets()) {
+            if (set != InstructionSet::Plain) {
+                (set == InstructionSet::Sse2 ? fast::GreyLevelsSse2 : fast::GreyLevelsAvx2)(row.data(), 3, kRow, levels.data());
+                ASSERT_EQ(levels, expected) << nColour;
+            }
+        }
+    }
 }
 
 TEST(GreyLevels, DoublesAndTruncationArePartOfTheLevel) {
@@ -69,7 +102,10 @@ TEST(AutoThreshold, EqualsTheLiteralWayOnRandomPictures) {
             block[n] = static_cast<std::byte>(random());  // any colour at all
         }
         const auto dib = DibView::Open(block);
-        EXPECT_EQ(CalcAutoThreshold(&*dib), test::LiteralThreshold(*dib)) << i << " bits " << nBits << " width " << nWidth;
+        const std::int32_t nLiteral = test::LiteralThreshold(*dib);
+        for (const InstructionSet set : Sets()) {
+            EXPECT_EQ(CalcAutoThreshold(&*dib, set), nLiteral) << i << " bits " << nBits << " width " << nWidth;
+        }
     }
 }
 

@@ -114,51 +114,6 @@ TEST(Skeleton, AnUnreadableDepthGivesAnEmptyMap) {
     EXPECT_EQ(SkeletonOf(DibBuilder(9, 9, 16).Block()), SkeletonMap(9, 9));
 }
 
-// Every picture of 4 x 4 and smaller, and 1 x n strips: all rules meet the picture's edge here.
-TEST(Skeleton, EqualsTheLiteralWayOnAllSmallMaps) {
-    struct Size {
-        std::int32_t w, h;
-    };
-    for (const auto [w, h] : {Size{4, 4}, Size{3, 5}, Size{5, 3}, Size{2, 7}, Size{1, 12}, Size{12, 1}, Size{16, 1}}) {
-        for (std::uint32_t nBits = 0; nBits < 1U << (w * h); ++nBits) {
-            DibBuilder builder(w, h, 8, 2);
-            builder.SetColour(1, {255, 255, 255}).Fill([&](std::int32_t x, std::int32_t s) { return nBits >> (s * w + x) & 1U; });
-            const std::vector<std::byte> block = builder.Block();
-            const DibView dib = *DibView::Open(block);
-            const SkeletonMap fast = *MakeSkeleton(dib, kDark);
-            const SkeletonMap literal = test::LiteralSkeleton(dib, kDark);
-            ASSERT_EQ(fast, literal) << nBits << test::Drawing(fast) << test::Drawing(literal);
-        }
-    }
-}
-
-void ExpectLiteral(std::mt19937& random, std::int32_t w, std::int32_t h, std::uint16_t nBits, test::Texture texture) {
-    const std::vector<std::byte> block = test::RandomDib(random, w, h, nBits, texture);
-    const std::vector<std::byte> before = block;
-    const DibView dib = *DibView::Open(block);
-    EXPECT_EQ(*MakeSkeleton(dib, kDark), test::LiteralSkeleton(dib, kDark))
-        << w << " x " << h << " bits " << nBits << " texture " << static_cast<int>(texture);
-    EXPECT_EQ(block, before);
-}
-
-TEST(Skeleton, EqualsTheLiteralWayOnRandomPicturesOfEveryDepth) {
-    std::mt19937 random(7);
-    for (int i = 0; i < 300; ++i) {
-        const std::uint16_t nBits = std::array<std::uint16_t, 5>{1, 4, 8, 24, 32}[static_cast<std::size_t>(i) % 5];
-        const auto w = 1 + test::Below(random, 90);
-        const auto h = 1 + test::Below(random, 90);
-        ExpectLiteral(random, w, h, nBits, static_cast<test::Texture>(random() % 4));
-    }
-}
-
-TEST(Skeleton, EqualsTheLiteralWayWhereBytesWrap) {
-    std::mt19937 random(8);
-    for (const std::int32_t n : {509, 511, 512, 513, 600}) {
-        ExpectLiteral(random, n, n + 3, 8, test::Texture::DeepBlocks);
-        ExpectLiteral(random, 700, n, 8, test::Texture::DeepBlocks);
-    }
-}
-
 TEST(Skeleton, ASquareDeeperThanAByteHasZeroesInside) {
     const std::vector<std::byte> block =
         DibBuilder(536, 536, 8)

@@ -1,0 +1,241 @@
+// The order of the fast passes, and how two threads share them.
+//
+// A seam divides the rows into two bands. In the first sweep each band's rows are done from the picture's edge to the
+// seam, by the two one-sided passes that come from that edge: half distances, which go into the result's own cells. In
+// the second sweep each band goes back from the seam to the edge; the passes that come over the seam go on from where the
+// other band left them, so that every row gets both halves, and the marks of ridges and plateaus follow a row or two
+// behind. Nothing is done twice, whoever does it: one thread takes a seam at the bottom edge, and one of the bands has no
+// rows. Marks are bits; block reduction turns them into the skeleton's bits, and these become cells.
+//
+// Beyond the picture a run touches a byte a pixel for the result, two bits for marks, and a few rows.
+// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+#include "analysis/fast/FastSkeleton.h"
+
+#include <cstring>
+#include <memory>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "analysis/fast/BlockBits.h"
+#include "analysis/fast/Foreground.h"
+#include "analysis/fast/HalfDistance.h"
+#include "analysis/fast/RunBoth.h"
+#include "analysis/fast/Strips.h"
+
+namespace width::fast {
+
+namespace {
+
+constexpr std::ptrdiff_t kSeamRows = 6;  // distances that the marks of rows beside the seam depend on: 3 on either side
+
+// Rows on one side of the seam, and room for one thread's work on them.
+struct Band {
+    Band(const RowPasses& passes, std::ptrdiff_t nWidth) : strips(8, nWidth), half(passes, nWidth) {}
+
+    std::uint8_t* Mask() noexcept { return strips.At(0); }
+    std::uint8_t* Scratch() noexcept { return strips.At(1); }
+    std::uint8_t* Nothing() noexcept { return strips.At(2); }                             // a row of zeros
+    std::uint8_t* Distance(std::ptrdiff_t s) noexcept { return strips.At(4 + (s & 3)); }  // of the last four rows
+
+    Strips strips;
+    HalfDistance half;
+    std::ptrdiff_t nOuter = 0;  // row at the picture's edge
+    std::ptrdiff_t nInner = 0;  // row at the seam
+    std::ptrdiff_t nOut = 1;    // from the seam to the edge: +1 or -1
+    bool bEmpty = false;
+};
+
+class SkeletonRun {
+public:
+    SkeletonRun(const DibView& dib, GreyWindow window, InstructionSet set, int nThreads)
+        : m_passes(RowPassesFor(set)),
+          m_foreground(dib, window, m_passes),
+          m_map(SkeletonMap::ForOverwriting(dib.Height(), dib.Width())),
+          m_nHeight(dib.Height()),
+          m_nWidth(dib.Width()),
+          m_nWords(WordsFor(dib.Width())),
+          m_nSeam(nThreads > 1 && dib.Height() >= 2 * kSeamRows ? dib.Height() / 2 : 0),
+          m_words(std::make_unique_for_overwrite<std::uint64_t[]>(static_cast<std::size_t>(2 * m_nWords * m_nHeight))),
+          m_ridges{m_words.get(), m_nWords, m_nHeight},
+          m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
+          m_inner(static_cast<std::size_t>(m_nWords)),
+          m_ring(m_nWords),
+          m_seamRows(kSeamRows, m_nWidth),
+          m_lower(m_passes, m_nWidth),
+          m_upper(m_passes, m_nWidth) {
+        m_lower.nInner = m_nSeam - 1;
+        m_lower.nOut = -1;
+        m_lower.bEmpty = m_nSeam == 0;
+        m_upper.nInner = m_nSeam;
+        m_upper.nOuter = m_nHeight - 1;
+        for (std::ptrdiff_t x = 1; x + 2 < m_nWidth; ++x) {
+            m_inner[static_cast<std::size_t>(x / kWordColumns)] |= std::uint64_t{1} << (x % kWordColumns);
+        }
+    }
+
+    SkeletonMap Run() noexcept {
+        Share([this](Band& band) { SweepInwards(band); });
+        const bool bMayWrap = m_lower.half.MayWrap() || m_upper.half.MayWrap();
+        ExchangeStates(bMayWrap);
+        Share([&](Band& band) { SweepOutwards(band, bMayWrap); });
+        if (!m_lower.bEmpty) {
+            MarkSeam();
+        }
+        ReduceBlocks(m_ridges, m_plateaus, m_ring);
+        FillBorderRows();
+        Share([this](Band& band) { FillCells(band); });
+        return std::move(m_map);
+    }
+
+private:
+    // Does the same with both bands at a time, or with the only one that has rows.
+    template <class Work>
+    void Share(Work work) noexcept {
+        if (m_lower.bEmpty) {
+            return work(m_upper);
+        }
+        RunBoth([&] { work(m_lower); }, [&] { work(m_upper); });
+    }
+
+    // Cells of a picture's row in the result, without the border's.
+    std::uint8_t* Cells(std::ptrdiff_t s) noexcept {
+        return m_map.Row(static_cast<std::int32_t>(s) + SkeletonMap::kBorder) + SkeletonMap::kBorder;
+    }
+
+    // Half distances of a band; the foreground stays behind where ridges will be.
+    void SweepInwards(Band& band) noexcept {
+        for (std::ptrdiff_t s = band.nOuter;; s -= band.nOut) {
+            const std::ptrdiff_t nRowsAhead = s == band.nInner ? 0 : -band.nOut;
+            m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
+            band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
+            if (s == band.nInner) {
+                break;
+            }
+        }
+    }
+
+    // Each band's second sweep goes on from the other's first. Where nothing wraps, the smaller of two passes is enough.
+    void ExchangeStates(bool bMayWrap) {
+        if (bMayWrap) {
+            m_lower.half.SwapWith(m_upper.half);
+            return;
+        }
+        m_lower.half.Smaller(m_upper.Distance(m_upper.nInner - 1));
+        m_upper.half.Smaller(m_lower.Distance(m_lower.nInner + 1));
+    }
+
+    void SweepOutwards(Band& band, bool bMayWrap) noexcept {
+        for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
+            MeasureRow(band, s, bMayWrap);
+            if (!m_lower.bEmpty && s >= m_nSeam - kSeamRows / 2 && s < m_nSeam + kSeamRows / 2) {
+                std::memcpy(SeamRow(s), band.Distance(s), static_cast<std::size_t>(m_nWords * kWordColumns));
+            }
+            MarkBehind(band, s);
+            if (s == band.nOuter) {
+                break;
+            }
+        }
+    }
+
+    void MeasureRow(Band& band, std::ptrdiff_t s, bool bMayWrap) noexcept {
+        const std::ptrdiff_t nAhead = s == band.nOuter ? 0 : band.nOut * m_map.Columns();
+        if (bMayWrap) {
+            m_passes.expandBits(m_ridges.Row(s), m_nWords * kWordColumns, 255, band.Mask());
+            band.half.Step(band.Mask(), m_ridges.Row(s), 0, band.Scratch());
+            m_passes.joinHalves(Cells(s), band.Scratch(), m_nWidth, nAhead, band.Distance(s));
+        } else {
+            m_passes.stepDistance(band.Distance(s - band.nOut), Cells(s), m_nWidth, nAhead, band.Distance(s));
+        }
+    }
+
+    // Marks the rows whose neighbours are all known once row s is.
+    void MarkBehind(Band& band, std::ptrdiff_t s) noexcept {
+        const auto distance = [&](std::ptrdiff_t t) { return t < 0 || t >= m_nHeight ? band.Nothing() : band.Distance(t); };
+        if (band.nOut < 0) {
+            if (s + 3 < m_nSeam) {
+                MarkRow(s + 1, distance);
+            }
+            if (s == 0) {
+                MarkRow(0, distance);
+            }
+            return;
+        }
+        const std::ptrdiff_t nFirst = m_lower.bEmpty ? 0 : m_nSeam + 1;
+        const std::ptrdiff_t nLast = s == m_nHeight - 1 ? s : s - 2;
+        for (std::ptrdiff_t t = s - 2; t <= nLast; ++t) {
+            if (t >= nFirst) {
+                MarkRow(t, distance);
+            }
+        }
+    }
+
+    void MarkSeam() noexcept {
+        for (std::ptrdiff_t t = m_nSeam - 2; t <= m_nSeam; ++t) {
+            MarkRow(t, [this](std::ptrdiff_t s) { return SeamRow(s); });
+        }
+    }
+
+    template <class Distance>
+    void MarkRow(std::ptrdiff_t t, Distance distance) noexcept {
+        const DistanceRows rows = {distance(t - 1), distance(t), distance(t + 1), distance(t + 2)};
+        m_passes.markRow(rows, m_nWords, m_inner.data(), t >= 1 && t + 2 < m_nHeight, m_ridges.Row(t), m_plateaus.Row(t));
+    }
+
+    std::uint8_t* SeamRow(std::ptrdiff_t s) noexcept { return m_seamRows.At(s - (m_nSeam - kSeamRows / 2)); }
+
+    void FillBorderRows() noexcept {
+        const auto nCells = static_cast<std::size_t>(m_nWidth + 2 * SkeletonMap::kBorder);
+        for (const std::ptrdiff_t s : {std::ptrdiff_t{-2}, std::ptrdiff_t{-1}, m_nHeight, m_nHeight + 1}) {
+            std::memset(Cells(s) - SkeletonMap::kBorder, 0, nCells);
+        }
+    }
+
+    // The cells of a band's rows from their bits, with the border's at both ends.
+    void FillCells(const Band& band) noexcept {
+        for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
+            std::uint8_t* pCells = Cells(s);
+            std::memset(pCells - SkeletonMap::kBorder, 0, SkeletonMap::kBorder);
+            m_passes.expandBits(m_ridges.Row(s), m_nWidth, 1, pCells);
+            std::memset(pCells + m_nWidth, 0, SkeletonMap::kBorder);
+            if (s == band.nOuter) {
+                break;
+            }
+        }
+    }
+
+    const RowPasses& m_passes;
+    ForegroundReader m_foreground;
+    SkeletonMap m_map;
+    std::ptrdiff_t m_nHeight;
+    std::ptrdiff_t m_nWidth;
+    std::ptrdiff_t m_nWords;
+    std::ptrdiff_t m_nSeam;
+    std::unique_ptr<std::uint64_t[]> m_words;
+    BitRows m_ridges;
+    BitRows m_plateaus;
+    std::vector<std::uint64_t> m_inner;
+    BlockRing m_ring;
+    Strips m_seamRows;
+    Band m_lower;
+    Band m_upper;
+};
+
+}  // namespace
+
+SkeletonMap MakeSkeleton(const DibView& dib, GreyWindow window, InstructionSet set, int nThreads) {
+    if (set == InstructionSet::Plain) {
+        return MakeSkeletonPlainly(dib, window);
+    }
+    if (!IsReadableDepth(dib.BitCount())) {
+        return {dib.Height(), dib.Width()};
+    }
+    return SkeletonRun(dib, window, set, nThreads).Run();
+}
+
+int ThreadsFor(const DibView& dib) noexcept {
+    constexpr std::int64_t kWorthAThread = 1 << 20;  // pixels; making a thread takes about as long as 100,000 of them
+    return std::int64_t{dib.Width()} * dib.Height() >= kWorthAThread && std::thread::hardware_concurrency() > 1 ? 2 : 1;
+}
+
+}  // namespace width::fast
