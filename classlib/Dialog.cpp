@@ -2,12 +2,16 @@
 #include "classlib/Dialog.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cfloat>
+#include <charconv>
 #include <climits>
 #include <cmath>
 #include <cwchar>
 #include <optional>
+#include <string>
+#include <system_error>
 
 namespace {
 
@@ -25,18 +29,29 @@ std::optional<int> ParseInteger(const wchar_t* psz) {
     return *pszEnd == L'\0' ? std::optional(static_cast<int>(value)) : std::nullopt;
 }
 
-// The whole text as a decimal number, blanks around it left out: neither hexadecimal nor a name such as "inf".
+// The whole text as a decimal number, blanks around it left out: neither hexadecimal nor a name such as "inf". With a full
+// stop in every locale, whatever the host has set.
 std::optional<float> ParseNumber(const wchar_t* psz) {
     while (*psz == L' ') {
         ++psz;
     }
-    const std::wstring text(psz, std::wcsspn(psz, L"0123456789+-.eE"));
-    const wchar_t* const pszRest = psz + text.size();
-    wchar_t* pszEnd = nullptr;
-    const double value = std::wcstod(text.c_str(), &pszEnd);
+    const std::wstring wide(psz, std::wcsspn(psz, L"0123456789+-.eE"));
+    const wchar_t* const pszRest = psz + wide.size();
+    std::string text(wide.begin(), wide.end());  // ASCII
+    if (text.starts_with('+')) {
+        text.erase(0, 1);
+    }
+    double value = 0;
+    const auto [pEnd, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const bool bBlanks = pszRest[std::wcsspn(pszRest, L" ")] == L'\0';
-    const bool bNumber = pszEnd != text.c_str() && *pszEnd == L'\0' && bBlanks && std::abs(value) <= FLT_MAX;
+    const bool bNumber = error == std::errc() && pEnd == text.data() + text.size() && bBlanks && std::abs(value) <= FLT_MAX;
     return bNumber ? std::optional(static_cast<float>(value)) : std::nullopt;
+}
+
+std::wstring ControlText(HWND hControl) {
+    std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(hControl)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(::GetWindowTextW(hControl, text.data(), static_cast<int>(text.size()))));
+    return text;
 }
 
 }  // namespace
@@ -63,9 +78,8 @@ void DDX_Text(CDataExchange* pDX, UINT nID, int& value) {
         ::SetWindowTextW(pDX->m_hWndLastControl, std::to_wstring(value).c_str());
         return;
     }
-    wchar_t text[64] = {};
-    ::GetWindowTextW(pDX->m_hWndLastControl, text, 64);
-    if (const std::optional<int> parsed = ParseInteger(text)) {
+    const std::wstring text = ControlText(pDX->m_hWndLastControl);
+    if (const std::optional<int> parsed = ParseInteger(text.c_str())) {
         value = *parsed;
     } else {
         pDX->Fail(pDX->m_pDlg->NoIntegerText());
@@ -81,9 +95,8 @@ void DDX_Text(CDataExchange* pDX, UINT nID, float& value) {
         ::SetWindowTextW(pDX->m_hWndLastControl, NumberText(value).c_str());
         return;
     }
-    wchar_t text[64] = {};
-    ::GetWindowTextW(pDX->m_hWndLastControl, text, 64);
-    if (const std::optional<float> parsed = ParseNumber(text)) {
+    const std::wstring text = ControlText(pDX->m_hWndLastControl);
+    if (const std::optional<float> parsed = ParseNumber(text.c_str())) {
         value = *parsed;
     } else {
         pDX->Fail(pDX->m_pDlg->NoNumberText());
@@ -115,9 +128,10 @@ void DDV_MinMaxFloat(CDataExchange* pDX, float value, float fMin, float fMax) {
 }
 
 std::wstring NumberText(float value) {
-    wchar_t text[40] = {};
-    std::swprintf(text, 40, L"%.*g", FLT_DIG, static_cast<double>(value));
-    return text;
+    std::array<char, 40> text{};
+    const auto [pEnd, error] =
+        std::to_chars(text.data(), text.data() + text.size(), static_cast<double>(value), std::chars_format::general, FLT_DIG);
+    return {text.data(), pEnd};
 }
 
 std::wstring CDialog::NumberRangeText(float fMin, float fMax) const {

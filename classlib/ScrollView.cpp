@@ -141,6 +141,7 @@ void CScrollView::ScrollToDevicePosition(POINT pt) {
     ::SetScrollPos(m_hWnd, SB_HORZ, static_cast<int>(pt.x), TRUE);
     ::SetScrollPos(m_hWnd, SB_VERT, static_cast<int>(pt.y), TRUE);
     ScrollWindow(static_cast<int>(ptOld.x - pt.x), static_cast<int>(ptOld.y - pt.y));
+    OnScrolled();
 }
 
 void CScrollView::OnPrepareDC(CDC* pDC, CPrintInfo* pInfo) {

@@ -73,6 +73,8 @@ public:
     void OnPrepareDC(CDC* pDC, CPrintInfo* pInfo = nullptr) override;
 
 protected:
+    /// The contents have moved on the screen, and with them what was drawn over them.
+    virtual void OnScrolled() {}
     bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) override;
 
     void OnSize(UINT nType, int cx, int cy);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "core/Expand.h"
 
@@ -68,6 +69,10 @@ bool CComposition::MakeSurface(const DibView& dib) {
     }
     m_selected.reset();
     m_pPixels = nullptr;
+    // The system forms a section's size with 32 bits; one that does not fit would be made too small.
+    if (std::int64_t{4} * dib.Width() * dib.Height() > std::numeric_limits<std::int32_t>::max()) {
+        return false;
+    }
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = dib.Width();

@@ -137,7 +137,7 @@ void CSaveDlg::OnOption() {
     ::EnableWindow(Platform(), FALSE);
     m_options = iopt_Dlg(g_bChinese, static_cast<std::int32_t>(m_nFormat), hFrame);
     ::EnableWindow(Platform(), TRUE);
-    ::SetActiveWindow(Platform());
+    ::SetForegroundWindow(Platform());  // its owner was no window to go back to
 }
 
 // A name that the library can't be told is refused here, where the user can still choose another.

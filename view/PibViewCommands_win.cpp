@@ -67,7 +67,6 @@ void CPibView::OnWidthLabel() {
     InvalidateView();
 }
 
-// The host's function runs on this thread and reads the block; it stays the view's.
 // A failed run leaves the flag at 0. The map before is given up first, so that two are never needed at once.
 void CPibView::OnSkeletonize() {
     m_bSkeletonReady = 0;

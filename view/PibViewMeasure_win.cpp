@@ -112,6 +112,21 @@ void CPibView::OnMouseMove(UINT /*nFlags*/, POINT point) {
     Default();
 }
 
+// Scrolling moves the pixels of square and label, which belong to places of the window: the view is painted anew, and the
+// pending label drawn where the next move will look for it.
+void CPibView::OnScrolled() {
+    if (g_nToolMode != TOOL_WIDTH_LABEL) {
+        return;
+    }
+    ForgetSquares();
+    Invalidate(true);
+    if (m_picker.m_bLabelPending != 0) {
+        UpdateWindow();
+        CClientDC dc(this);
+        DrawRubberLabel(dc, m_picker.m_ptPick, m_picker.m_ptFoot1, m_picker.m_ptFoot2, m_clrLabel);
+    }
+}
+
 void CPibView::OnKillFocus(HWND /*hNewWnd*/) {
     Default();
     ForgetSquares();
@@ -130,9 +145,10 @@ void CPibView::WriteLabelsToBitmap() {
         overlays.lines = {};
     }
     m_composition.Invalidate();
-    if (m_composition.Compose(*m_dib, overlays)) {
-        CPalette palette;
-        palette.Attach(MakePalette(*m_dib));
+    CPalette palette;
+    palette.Attach(MakePalette(*m_dib));
+    const bool bColoursFound = m_dib->BitCount() > 8 || palette.GetSafeHandle() != nullptr;
+    if (bColoursFound && m_composition.Compose(*m_dib, overlays)) {
         StorePixels(m_dib->Figures(), static_cast<std::uint8_t*>(m_pDib) + m_dib->Figures().nBitsOffset, m_composition.Pixels(),
                     [&](COLORREF clr) { return palette.GetNearestPaletteIndex(clr); });
     }

@@ -99,8 +99,10 @@ void CPibView::UpdateScrollSizes() {
     Invalidate(true);
 }
 
+// The paint wipes the search square, which must not be wiped once more.
 void CPibView::InvalidateView() {
     m_composition.Invalidate();
+    ForgetSquares();
     Invalidate(true);
 }
 

@@ -75,6 +75,7 @@ public:
     std::int32_t m_bMarkHidden = 0;     ///< the square has been wiped for a pending label
 
 protected:
+    void OnScrolled() override;
     bool PreCreateWindow(CREATESTRUCTW& cs) override;
     void PostNcDestroy() override {}  // a member of the frame
     bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) override;
