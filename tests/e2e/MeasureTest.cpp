@@ -105,6 +105,36 @@ TEST_F(Measure, TheSearchSquareFollowsTheMouseAndLeavesNoTrace) {
     EXPECT_EQ(At(90, 30), kWhite);
 }
 
+TEST_F(Measure, ScrollingLeavesNoTraceOfTheSearchSquare) {
+    job.Command(ID_TOOL_ZOOM);
+    const RECT rc = test::ClientRect(job.View());
+    const POINT ptMiddle{rc.right / 2, rc.bottom / 2};
+    for (int i = 0; i < 7; ++i) {
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(ptMiddle.x, ptMiddle.y));
+    }
+    ASSERT_NE(::GetWindowLongPtrW(job.View(), GWL_STYLE) & WS_VSCROLL, 0) << "larger than the window";
+    job.Command(ID_TOOL_WIDTH_LABEL);
+    job.Paint();
+    const auto hasTrace = [&] {
+        job.Paint();
+        bool bTrace = false;
+        for (LONG y = ptMiddle.y - 20; y < ptMiddle.y + 40; ++y) {
+            bTrace = bTrace || PixelAt(job.View(), {ptMiddle.x - 10, y}) != kWhite;
+        }
+        return bTrace;
+    };
+    const auto move = [&](LONG nAcross) {
+        job.Send(job.View(), WM_MOUSEMOVE, 0, MAKELPARAM(ptMiddle.x + nAcross, ptMiddle.y + 10));
+    };
+    EXPECT_FALSE(hasTrace());
+    move(0);
+    EXPECT_TRUE(hasTrace());
+    job.Send(job.View(), WM_VSCROLL, SB_LINEDOWN);
+    EXPECT_FALSE(hasTrace()) << "neither where it was nor where its pixels went";
+    move(60);
+    EXPECT_FALSE(hasTrace());
+}
+
 TEST_F(Measure, EndsOfDifferentLinesAreRefused) {
     Click(277, 137);
     ::PostMessageW(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, Param(277, 87));

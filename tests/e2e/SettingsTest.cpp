@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <clocale>
 
 #include "res/resource.h"
 #include "tests/e2e/PluginJob.h"
@@ -150,6 +151,19 @@ TEST_P(Settings, LineConditionsAreShownCheckedAndKept) {
     OpenLines();
     EXPECT_EQ(Lines(), L"1000|125|0|x") << "kept for the next job";
     Close(IDCANCEL);
+}
+
+TEST_P(Settings, NumbersDoNotDependOnTheHostsLocale) {
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);  // the C library is the plug-in's too
+    OpenLines();
+    EXPECT_EQ(Lines(), L"30|0.01745|3|x");
+    Type(IDC_LINE_ANGLE, L"0.5");
+    Type(IDC_LINE_LENGTH, std::wstring(70, L'0').append(L"40").c_str());
+    Close(IDOK);
+    OpenLines();
+    EXPECT_EQ(Lines(), L"40|0.5|3|x");
+    Close(IDCANCEL);
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST_P(Settings, LineConditionsOutOfRangeStopTheOkInTheirOrder) {
