@@ -185,7 +185,7 @@ private:
     std::uint8_t* SeamRow(std::ptrdiff_t s) noexcept { return m_seamRows.At(s - (m_nSeam - kSeamRows / 2)); }
 
     void FillBorderRows() noexcept {
-        const auto nCells = static_cast<std::size_t>(m_nWidth + 2 * SkeletonMap::kBorder);
+        const auto nCells = static_cast<std::size_t>(m_nWidth) + std::size_t{2} * SkeletonMap::kBorder;
         for (const std::ptrdiff_t s : {std::ptrdiff_t{-2}, std::ptrdiff_t{-1}, m_nHeight, m_nHeight + 1}) {
             std::memset(Cells(s) - SkeletonMap::kBorder, 0, nCells);
         }
