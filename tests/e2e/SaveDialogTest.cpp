@@ -24,6 +24,10 @@ protected:
         state.chosen = kChosen;
     }
     bool IsChinese() const { return GetParam() == 0x0804; }
+    /// The save comes after the dialog has gone. Its path is what the library writes down last.
+    bool HasSaved() const {
+        return test::WaitFor([&] { return state.szPath[0] != '\0'; });
+    }
 
     test::PluginJob job{GetParam()};
     RecorderState& state = test::FreshRecorder();
@@ -68,6 +72,7 @@ TEST_P(SaveDialogs, NameTypeAndOptionsKeepInStep) {
     EXPECT_EQ(state.hOwner, job.Frame());
     dlg.Type(folder + L"\\plain");
     EXPECT_TRUE(dlg.Close(IDOK));
+    EXPECT_TRUE(HasSaved());
     EXPECT_TRUE(std::string(state.szCalls).ends_with(IsChinese() ? "DlgZh6 Save6 " : "DlgEn6 Save6 ")) << state.szCalls;
     EXPECT_STREQ(state.szPath, (std::string(folder.begin(), folder.end()) + "\\plain.six").c_str())
         << "a name without an extension gets the type's";
@@ -86,6 +91,7 @@ TEST_P(SaveDialogs, AnotherTypeDropsChosenOptions) {
     dlg.ChooseType(2);
     dlg.Type(folder + L"\\a.six");
     EXPECT_TRUE(dlg.Close(IDOK));
+    EXPECT_TRUE(HasSaved());
     EXPECT_EQ(state.saved.nOption0, kDefaultSix.nOption0);
     EXPECT_EQ(state.saved.bOption2, kDefaultSix.bOption2);
     EXPECT_EQ(state.saved.bOption3, kDefaultSix.bOption3);
@@ -109,7 +115,7 @@ TEST_P(SaveDialogs, AsksBeforeItReplacesAFile) {
     const SaveDialog again(job, ID_FILE_SAVE_AS_PICTURE);
     EXPECT_EQ(again.Name(), L"old.one");
     EXPECT_TRUE(again.Close(IDOK)) << "an option of the library's that says: do not ask";
-    EXPECT_TRUE(test::WaitFor([&] { return state.szPath[0] != '\0'; }));
+    EXPECT_TRUE(HasSaved());
     EXPECT_EQ(state.saved.bOption1, 1);
 }
 
