@@ -5,18 +5,27 @@
 // often not the one that wins. But it rounds little: a pair that reaches the largest rounded
 // distance has a squared length of at least (1 - 2^-20) times the largest one. The largest squared
 // length is found on the convex hull; only pixels with a hull corner at least that far away can be
-// part of the winning pair, and the comparison runs over those few, in list order.
-// The squared y difference wraps beyond 46,340 rows; for a ring taller than that the few are chosen
-// the same way, so that the time stays bounded.
-// Tested by: tests/unit/analysis/LineDetectorTest.cpp (against all pairs)
+// part of the winning pair. Pairs of those few are compared by boxes round stretches of them: where
+// two boxes can hold no pair that wins, none of their pixels are looked at.
+//
+// The squared y difference wraps beyond 46,340 rows, and the farthest pair has nothing to do with
+// the hull then: all pixels of a ring taller than that are compared, by the same boxes.
+// Tested by: tests/unit/analysis/LineSearchTest.cpp (against all pairs)
 #include <algorithm>
-#include <numeric>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <tuple>
 
+#include "analysis/ConvexHull.h"
+#include "analysis/PathBoxes.h"
 #include "analysis/PathLine.h"
 
 namespace width {
 
 namespace {
+
+constexpr std::int64_t kTallest = 46'340;  // the largest number whose square fits 32 bits
 
 std::int64_t SquaredLength(const PathPoint& p, const PathPoint& q) noexcept {
     const std::int64_t dx = std::int64_t{q.x} - p.x;
@@ -24,54 +33,163 @@ std::int64_t SquaredLength(const PathPoint& p, const PathPoint& q) noexcept {
     return dx * dx + dy * dy;
 }
 
-bool TurnsLeft(const PathPoint& a, const PathPoint& b, const PathPoint& c) noexcept {
-    return (std::int64_t{b.x} - a.x) * (std::int64_t{c.y} - a.y) - (std::int64_t{b.y} - a.y) * (std::int64_t{c.x} - a.x) > 0;
+// The largest distance of coordinates in one range from those in another.
+std::int64_t LargestGap(std::int64_t nLow1, std::int64_t nHigh1, std::int64_t nLow2, std::int64_t nHigh2) noexcept {
+    return std::max(nHigh2 - nLow1, nHigh1 - nLow2);
 }
 
-// Corners of the convex hull (Andrew's monotone chain: lower side, then upper side).
-std::vector<PathPoint> HullCorners(std::span<const PathPoint> path) {
-    std::vector<PathPoint> sorted(path.begin(), path.end());
-    std::ranges::sort(sorted, [](const PathPoint& p, const PathPoint& q) { return p.x != q.x ? p.x < q.x : p.y < q.y; });
-    std::vector<PathPoint> hull;
-    const auto add = [&hull](const PathPoint& pt, std::size_t nFloor) {
-        while (hull.size() >= nFloor + 2 && !TurnsLeft(hull[hull.size() - 2], hull.back(), pt)) {
-            hull.pop_back();
+// No pixel in the box is farther from the corner than this.
+std::int64_t LargestSquaredLength(const PathBox& box, const PathPoint& corner) noexcept {
+    const std::int64_t dx = LargestGap(box.xLow, box.xHigh, corner.x, corner.x);
+    const std::int64_t dy = LargestGap(box.yLow, box.yHigh, corner.y, corner.y);
+    return dx * dx + dy * dy;
+}
+
+// Collects the positions of the pixels that have one of some points at least so far away.
+class FarPixels {
+public:
+    FarPixels(const PathBoxes& boxes, std::int64_t nEnough) : m_boxes(boxes), m_nEnough(nEnough) {}
+
+    void Collect(PathBoxes::Node node, std::span<const PathPoint> corners) {
+        std::vector<PathPoint> far;
+        std::ranges::copy_if(corners, std::back_inserter(far),
+                             [&](const PathPoint& pt) { return LargestSquaredLength(m_boxes.Box(node), pt) >= m_nEnough; });
+        if (far.empty()) {
+            return;
         }
-        hull.push_back(pt);
+        if (node.nLevel == 0) {
+            CollectPixels(m_boxes.Pixels(node), far);
+            return;
+        }
+        Collect(PathBoxes::Lower(node), far);
+        if (const std::optional<PathBoxes::Node> upper = m_boxes.Upper(node)) {
+            Collect(*upper, far);
+        }
+    }
+
+    std::vector<std::size_t> positions;
+
+private:
+    void CollectPixels(PathBoxes::Range range, std::span<const PathPoint> corners) {
+        for (std::size_t i = range.nFirst; i <= range.nLast; ++i) {
+            const PathPoint& pixel = m_boxes.Path()[i];
+            if (std::ranges::any_of(corners, [&](const PathPoint& pt) { return SquaredLength(pixel, pt) >= m_nEnough; })) {
+                positions.push_back(i);
+            }
+        }
+    }
+
+    const PathBoxes& m_boxes;
+    std::int64_t m_nEnough;
+};
+
+// Positions of the pixels that can be part of the winning pair, in list order, where no square wraps.
+std::vector<std::size_t> Candidates(std::span<const PathPoint> path) {
+    std::vector<PathPoint> corners(path.begin(), path.end());
+    std::ranges::sort(corners, IsLeftOf);
+    KeepHullCorners(corners);
+    std::int64_t nLargest = 0;
+    for (auto it = corners.begin(); it != corners.end(); ++it) {
+        for (auto other = it + 1; other != corners.end(); ++other) {
+            nLargest = std::max(nLargest, SquaredLength(*it, *other));
+        }
+    }
+    const PathBoxes boxes(path);
+    FarPixels far(boxes, nLargest - (nLargest >> 20) - 1);
+    far.Collect(boxes.Root(), corners);
+    return std::move(far.positions);
+}
+
+// The first of the pairs with the largest EdgeLength.
+class PairSearch {
+public:
+    explicit PairSearch(const PathBoxes& boxes) : m_boxes(boxes) {
+        const PathBoxes::Node root = boxes.Root();
+        Compare({LongestIn(root, root), root, root});
+    }
+
+    float fLength = 0.0F;
+    std::size_t nFirst = 0;
+    std::size_t nSecond = 0;
+
+private:
+    struct NodePair {
+        float fBound;  // no pair with a pixel in each has a larger EdgeLength
+        PathBoxes::Node a;
+        PathBoxes::Node b;
     };
-    for (const PathPoint& pt : sorted) {
-        add(pt, 0);
-    }
-    const std::size_t nUpper = hull.size() - 1;
-    for (auto it = sorted.rbegin() + 1; it != sorted.rend(); ++it) {
-        add(*it, nUpper);
-    }
-    return hull;
-}
 
-std::int64_t FarthestCorner(const PathPoint& pt, std::span<const PathPoint> corners) noexcept {
-    std::int64_t nFarthest = 0;
-    for (const PathPoint& corner : corners) {
-        nFarthest = std::max(nFarthest, SquaredLength(pt, corner));
+    // The squares that wrap: no integer from nLow to nHigh has a larger one, on 32 bits.
+    static std::int64_t LargestWrappedSquare(std::int64_t nLow, std::int64_t nHigh) noexcept {
+        const auto turns = [](std::int64_t n) { return (n * n + (std::int64_t{1} << 31)) >> 32; };
+        return turns(nLow) == turns(nHigh) ? nHigh * nHigh - (turns(nHigh) << 32) : std::numeric_limits<std::int32_t>::max();
     }
-    return nFarthest;
-}
 
-// Positions of the pixels that can be part of the winning pair, in list order.
-std::vector<std::int32_t> Candidates(std::span<const PathPoint> path) {
-    const std::vector<PathPoint> corners = HullCorners(path);
-    std::vector<std::int64_t> farthest(path.size());
-    std::ranges::transform(path, farthest.begin(), [&](const PathPoint& pt) { return FarthestCorner(pt, corners); });
-    const std::int64_t nLargest = std::ranges::max(farthest);
-    const std::int64_t nEnough = nLargest - (nLargest >> 20) - 1;
-    std::vector<std::int32_t> candidates;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        if (farthest[i] >= nEnough) {
-            candidates.push_back(static_cast<std::int32_t>(i));
+    // By EdgeLength's own steps, each of which rises with the differences. Negative where no pair's is a number.
+    float LongestIn(PathBoxes::Node a, PathBoxes::Node b) const noexcept {
+        const PathBox& p = m_boxes.Box(a);
+        const PathBox& q = m_boxes.Box(b);
+        const auto dx = static_cast<float>(LargestGap(p.xLow, p.xHigh, q.xLow, q.xHigh));
+        const std::int64_t dyHigh = LargestGap(p.yLow, p.yHigh, q.yLow, q.yHigh);
+        const std::int64_t dyLow = std::max({std::int64_t{q.yLow} - p.yHigh, std::int64_t{p.yLow} - q.yHigh, std::int64_t{0}});
+        const float fSquare = dx * dx + static_cast<float>(LargestWrappedSquare(dyLow, dyHigh));
+        return fSquare < 0.0F ? -1.0F : std::sqrt(fSquare);
+    }
+
+    bool Wins(float f, std::size_t i, std::size_t j) const noexcept {
+        return f > fLength || (f == fLength && std::tie(i, j) < std::tie(nFirst, nSecond));
+    }
+
+    // b is a or lies behind it on the same level.
+    void Compare(const NodePair& pair) noexcept {
+        const PathBoxes::Range a = m_boxes.Pixels(pair.a);
+        const PathBoxes::Range b = m_boxes.Pixels(pair.b);
+        if (!Wins(pair.fBound, a.nFirst, std::max(a.nFirst + 1, b.nFirst))) {
+            return;
+        }
+        pair.a.nLevel == 0 ? ComparePixels(a, b) : CompareHalves(pair.a, pair.b);
+    }
+
+    void CompareHalves(PathBoxes::Node a, PathBoxes::Node b) noexcept {
+        std::array<NodePair, 4> pairs;
+        std::size_t nPairs = 0;
+        const auto add = [&](PathBoxes::Node p, PathBoxes::Node q) { pairs[nPairs++] = {LongestIn(p, q), p, q}; };
+        const auto addBoth = [&](PathBoxes::Node p) {
+            add(p, PathBoxes::Lower(b));
+            if (const std::optional<PathBoxes::Node> upper = m_boxes.Upper(b)) {
+                add(p, *upper);
+            }
+        };
+        addBoth(PathBoxes::Lower(a));
+        if (const std::optional<PathBoxes::Node> upper = m_boxes.Upper(a); upper && a != b) {
+            addBoth(*upper);
+        } else if (upper) {
+            add(*upper, *upper);
+        }
+        // The farthest ones first: what they give rules out most of the others.
+        std::stable_sort(pairs.begin(), pairs.begin() + static_cast<std::ptrdiff_t>(nPairs),
+                         [](const NodePair& p, const NodePair& q) { return p.fBound > q.fBound; });
+        for (std::size_t i = 0; i < nPairs; ++i) {
+            Compare(pairs[i]);
         }
     }
-    return candidates;
-}
+
+    void ComparePixels(PathBoxes::Range a, PathBoxes::Range b) noexcept {
+        const std::span<const PathPoint> path = m_boxes.Path();
+        for (std::size_t i = a.nFirst; i <= a.nLast; ++i) {
+            for (std::size_t j = std::max(i + 1, b.nFirst); j <= b.nLast; ++j) {
+                const float f = EdgeLength(path[i], path[j]);
+                if (Wins(f, i, j)) {
+                    fLength = f;
+                    nFirst = i;
+                    nSecond = j;
+                }
+            }
+        }
+    }
+
+    const PathBoxes& m_boxes;
+};
 
 }  // namespace
 
@@ -79,18 +197,19 @@ std::int32_t LineDetector::FindFarthestPair(std::span<const PathPoint> path, std
     if (path.empty()) {
         return 0;
     }
-    const std::vector<std::int32_t> candidates = Candidates(path);
-    float fLargest = 0.0F;
-    for (std::size_t a = 0; a < candidates.size(); ++a) {
-        for (std::size_t b = a + 1; b < candidates.size(); ++b) {
-            const float fLength =
-                EdgeLength(path[static_cast<std::size_t>(candidates[a])], path[static_cast<std::size_t>(candidates[b])]);
-            if (fLength > fLargest) {
-                fLargest = fLength;
-                i = candidates[a];
-                j = candidates[b];
-            }
-        }
+    const auto [yLow, yHigh] = std::ranges::minmax_element(path, {}, &PathPoint::y);
+    std::vector<std::size_t> positions;
+    std::vector<PathPoint> candidates;
+    if (std::int64_t{yHigh->y} - yLow->y <= kTallest) {
+        positions = Candidates(path);
+        std::ranges::transform(positions, std::back_inserter(candidates), [&](std::size_t n) { return path[n]; });
+    }
+    const PathBoxes boxes(positions.empty() ? path : candidates);
+    const PairSearch search(boxes);
+    if (search.fLength > 0.0F) {
+        const auto position = [&](std::size_t n) { return static_cast<std::int32_t>(positions.empty() ? n : positions[n]); };
+        i = position(search.nFirst);
+        j = position(search.nSecond);
     }
     return 1;
 }

@@ -2,18 +2,19 @@
 //
 // A chain is a list of positions in m_Path, always in rising order; a stretch is a part of m_Path
 // without gaps. Positions are carried along and never looked for, except that a pixel that stands
-// several times in the path counts as its first occurrence; that look-up is one table.
+// several times in the path counts as its first occurrence.
 // Tested by: tests/unit/analysis/LineDetectorTest.cpp
 #include "analysis/LineDetector.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <set>
 #include <tuple>
-#include <unordered_map>
 
+#include "analysis/DistanceBounds.h"
+#include "analysis/PathBoxes.h"
 #include "analysis/PathLine.h"
+#include "analysis/StretchHull.h"
 
 namespace width {
 
@@ -23,27 +24,28 @@ constexpr float kSeedToEdge = 1.0F;    // pixels, inclusive
 constexpr float kPixelToChord = 2.0F;  // pixels, inclusive
 constexpr std::size_t kShortestStretch = 3;
 
-// For each position of a path the first position that holds the same pixel.
-std::vector<std::int32_t> FirstOccurrences(std::span<const PathPoint> path) {
-    std::unordered_map<std::int64_t, std::int32_t> seen;
-    seen.reserve(path.size());
-    std::vector<std::int32_t> first(path.size());
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        const std::int64_t nKey = (std::int64_t{path[i].x} << 32) | static_cast<std::uint32_t>(path[i].y);
-        first[i] = seen.try_emplace(nKey, static_cast<std::int32_t>(i)).first->second;
+// The first position of the path that holds the same pixel as this one.
+std::int32_t FirstOccurrence(const PathBoxes& boxes, std::int32_t nPosition) {
+    const PathPoint& pt = boxes.Path()[static_cast<std::size_t>(nPosition)];
+    const auto first = boxes.FindFirst(
+        {0, static_cast<std::size_t>(nPosition)}, [&](PathBoxes::Node node) { return boxes.Box(node).Holds(pt.x, pt.y); },
+        [&](const PathPoint& other) { return other.x == pt.x && other.y == pt.y; });
+    return first ? static_cast<std::int32_t>(*first) : nPosition;
+}
+
+// As LineDetector::IsChainStraight, for a stretch of the path.
+bool IsStretchStraight(const DistanceBounds& bounds, std::size_t nFirst, std::size_t nLast) {
+    const std::span<const PathPoint> path = bounds.Boxes().Path();
+    const PathLine chord(path[nFirst], path[nLast]);
+    const DistanceBounds::Of distances(bounds, chord);
+    const auto mayLeave = [&](PathBoxes::Node node) {
+        return distances.Largest(node) > kPixelToChord || distances.Smallest(node) < -kPixelToChord;
+    };
+    const auto leaves = [&](const PathPoint& pt) { return std::fabs(chord.Distance(pt.x, pt.y)) > kPixelToChord; };
+    if (nLast - nFirst + 1 < kShortestStretch) {
+        return false;
     }
-    return first;
-}
-
-std::vector<std::int32_t> ChainOf(std::int32_t nFirst, std::int32_t nLast) {
-    std::vector<std::int32_t> chain(static_cast<std::size_t>(nLast - nFirst) + 1);
-    std::iota(chain.begin(), chain.end(), nFirst);
-    return chain;
-}
-
-// Turn of the chain a, b, c: positive where it goes to the side that nSide keeps.
-std::int32_t Turn(const PathPoint& a, const PathPoint& b, const PathPoint& c, std::int32_t nSide) noexcept {
-    return WrapMul(WrapSub(WrapMul(WrapSub(b.y, a.y), WrapSub(c.x, b.x)), WrapMul(WrapSub(b.x, a.x), WrapSub(c.y, b.y))), nSide);
+    return !chord.IsLine() || !bounds.Boxes().FindFirst({nFirst + 1, nLast}, mayLeave, leaves);
 }
 
 }  // namespace
@@ -108,8 +110,8 @@ std::int32_t LineDetector::AcceptEdge(std::int32_t p, std::int32_t q) noexcept {
     return 1;
 }
 
-std::int32_t LineDetector::GiveUpOnHull() {
-    return m_conditions.bRectAlgorithm != 0 ? TrimToStrip() : 0;
+std::int32_t LineDetector::GiveUpOnHull(const DistanceBounds& bounds) {
+    return m_conditions.bRectAlgorithm != 0 ? TrimToStrip(bounds) : 0;
 }
 
 std::int32_t LineDetector::SearchLine() {
@@ -120,17 +122,21 @@ std::int32_t LineDetector::SearchLine() {
         CutOpen();
     }
     const std::span<const PathPoint> path = m_Path;
-    const auto nTail = static_cast<std::int32_t>(path.size()) - 1;
-    const std::vector<std::int32_t> firstOccurrence = FirstOccurrences(path);
+    const PathBoxes boxes(path);
+    const DistanceBounds bounds(boxes);
+    StretchHull hull(path, -path.front().nIndex);
     // What a trip does depends on the stretch and the side alone: one that comes again never ends.
     std::set<std::tuple<std::int32_t, std::int32_t, std::int32_t>> narrowed;
-    std::vector<std::int32_t> chain = ChainOf(0, nTail);
+    const auto nTail = static_cast<std::int32_t>(path.size()) - 1;
+    std::int32_t nFrom = 0;
+    std::int32_t nTo = nTail;
     std::int32_t nHullSide = 1;
-    while (PruneToHull(path, chain, nHullSide) != 0) {
+    while (nFrom < nTo) {
+        const std::vector<std::int32_t>& corners = hull.Corners(nFrom, nTo, nHullSide);
         const auto index = [&](std::int32_t i) { return path[static_cast<std::size_t>(i)].nIndex; };
         const auto edge =
-            std::ranges::adjacent_find(chain, [&](std::int32_t a, std::int32_t b) { return WrapMul(index(a), index(b)) < 0; });
-        if (edge == chain.end()) {
+            std::ranges::adjacent_find(corners, [&](std::int32_t a, std::int32_t b) { return WrapMul(index(a), index(b)) < 0; });
+        if (edge == corners.end()) {
             return 0;
         }
         const std::int32_t nP = edge[0];
@@ -138,23 +144,23 @@ std::int32_t LineDetector::SearchLine() {
         const PathPoint& ptP = path[static_cast<std::size_t>(nP)];
         const PathPoint& ptQ = path[static_cast<std::size_t>(nQ)];
         if (IsEdgeLongEnough(ptP, ptQ) == 0) {
-            return GiveUpOnHull();
+            return GiveUpOnHull(bounds);
         }
-        const std::int32_t nFrom = firstOccurrence[static_cast<std::size_t>(nP)];
-        const std::int32_t nFirstQ = firstOccurrence[static_cast<std::size_t>(nQ)];
-        std::int32_t nTo = nFirstQ < nFrom ? nQ : nFirstQ;  // a pixel that also stands before P counts where it is
+        nFrom = FirstOccurrence(boxes, nP);
+        nTo = FirstOccurrence(boxes, nQ);
+        if (nTo < nFrom) {
+            nTo = nQ;  // a pixel that also stands before P counts where it is
+        }
         if (IsSeedNearEdge(ptP, ptQ) != 0) {
-            const auto stretch = path.subspan(static_cast<std::size_t>(nFrom), static_cast<std::size_t>(nTo - nFrom) + 1);
-            if (IsChainStraight(stretch) != 0) {
+            if (IsStretchStraight(bounds, static_cast<std::size_t>(nFrom), static_cast<std::size_t>(nTo))) {
                 return AcceptEdge(nP, nQ);
             }
             nTo = std::min(nTo + 1, nTail);
         }
         nHullSide = -nHullSide;
         if (!narrowed.emplace(nFrom, nTo, nHullSide).second) {
-            return GiveUpOnHull();
+            return GiveUpOnHull(bounds);
         }
-        chain = ChainOf(nFrom, nTo);
     }
     return 0;
 }

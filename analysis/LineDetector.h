@@ -11,7 +11,7 @@
 // cell (y + 2, x + 2). Integers are 32 bits and wrap; distances and fits are single precision, in
 // the order written. docs/DECISIONS.md says how the walks and loops that have no natural end are
 // ended.
-// Tested by: tests/unit/analysis/LineDetectorTest.cpp
+// Tested by: tests/unit/analysis/LineDetectorTest.cpp, LineSearchTest.cpp
 #pragma once
 
 #include <cstdint>
@@ -47,6 +47,8 @@ std::int32_t CrossingNumber(const SkeletonMap& map, MapCell cell) noexcept;
 /// The first skeleton neighbour of a cell, straight ones before diagonal ones (up, left, down,
 /// right, then up right, up left, down left, down right), that is neither excluded cell; or none.
 std::optional<MapCell> NextPixel(const SkeletonMap& map, MapCell cell, MapCell excluded1, MapCell excluded2) noexcept;
+
+class DistanceBounds;
 
 class LineDetector {
 public:
@@ -99,7 +101,7 @@ public:
     static std::int32_t IsChainStraight(std::span<const PathPoint> stretch) noexcept;
 
     /// Shortens the path from its ends until it lies in a strip narrower than fRectWidth, then
-    /// fits a line. Returns as SearchLine.
+    /// fits a line. Returns as SearchLine; 0 for an empty path. Throws std::bad_alloc only.
     std::int32_t TrimToStrip();
 
     /// Whether head and tail of a list are at least the minimum length apart; 0 for an empty list.
@@ -113,7 +115,8 @@ private:
     std::int32_t TracePath(const SkeletonMap& map, MapCell seed);
     void CutOpen();
     std::int32_t AcceptEdge(std::int32_t p, std::int32_t q) noexcept;
-    std::int32_t GiveUpOnHull();
+    std::int32_t GiveUpOnHull(const DistanceBounds& bounds);
+    std::int32_t TrimToStrip(const DistanceBounds& bounds);
 
     LineConditions m_conditions;
     FitAxis m_nFitAxis = FitAxis::HullEdge;

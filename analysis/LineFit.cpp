@@ -1,37 +1,32 @@
 // The strip round the path and the least-squares line through what is left of it.
-// Tested by: tests/unit/analysis/LineFitTest.cpp
+// Tested by: tests/unit/analysis/LineFitTest.cpp, LineSearchTest.cpp
 #include <cmath>
 
+#include "analysis/DistanceBounds.h"
 #include "analysis/PathLine.h"
 
 namespace width {
 
 namespace {
 
-// The two pixels farthest from a chain's chord, one on each side, and how far they are. The first
-// of several equal ones counts; a chain with nothing on a side has its head there, at 0.
+// The two pixels farthest from the chord of a stretch, one on each side, and how far they are. The
+// first of several equal ones counts; a stretch with nothing on a side has its head there, at 0.
 struct Extremes {
-    float fLargest = 0.0F;
-    float fSmallest = 0.0F;
-    std::size_t nLargest = 0;
-    std::size_t nSmallest = 0;
+    PathBoxes::Largest above;
+    PathBoxes::Largest below;  // the distance negated
 };
 
-Extremes ExtremesOf(std::span<const PathPoint> chain) noexcept {
-    const PathLine chord(chain.front(), chain.back());
-    Extremes extremes;
-    for (std::size_t i = 0; i < chain.size(); ++i) {
-        const float fDistance = chord.Distance(chain[i].x, chain[i].y);
-        if (fDistance > extremes.fLargest) {
-            extremes.fLargest = fDistance;
-            extremes.nLargest = i;
-        }
-        if (fDistance < extremes.fSmallest) {
-            extremes.fSmallest = fDistance;
-            extremes.nSmallest = i;
-        }
+Extremes ExtremesOf(const DistanceBounds& bounds, PathBoxes::Range stretch) {
+    const PathBoxes& boxes = bounds.Boxes();
+    const PathLine chord(boxes.Path()[stretch.nFirst], boxes.Path()[stretch.nLast]);
+    if (!chord.IsLine()) {
+        return {{0.0F, stretch.nFirst}, {0.0F, stretch.nFirst}};
     }
-    return extremes;
+    const auto above = [&](const PathPoint& pt) { return chord.Distance(pt.x, pt.y); };
+    const auto below = [&](const PathPoint& pt) { return -chord.Distance(pt.x, pt.y); };
+    const DistanceBounds::Of distances(bounds, chord);
+    return {boxes.FindLargest(stretch, above, [&](PathBoxes::Node node) { return distances.Largest(node); }),
+            boxes.FindLargest(stretch, below, [&](PathBoxes::Node node) { return -distances.Smallest(node); })};
 }
 
 // Single-precision sums of a fit of v on u, added pixel by pixel in list order: the rounding of
@@ -88,25 +83,35 @@ std::int32_t LineDetector::IsChordLongEnough(std::span<const PathPoint> chain) c
 }
 
 std::int32_t LineDetector::TrimToStrip() {
-    std::span<const PathPoint> chain = m_Path;
+    if (m_Path.empty()) {
+        return 0;
+    }
+    const PathBoxes boxes(m_Path);
+    return TrimToStrip(DistanceBounds(boxes));
+}
+
+std::int32_t LineDetector::TrimToStrip(const DistanceBounds& bounds) {
+    PathBoxes::Range stretch{0, m_Path.size() - 1};
     for (;;) {
-        const Extremes extremes = ExtremesOf(chain);
+        const auto chain = std::span(m_Path).subspan(stretch.nFirst, stretch.nLast - stretch.nFirst + 1);
         if (IsChordLongEnough(chain) == 0) {
             return 0;
         }
-        const bool bFits = m_conditions.fRectWidth > std::fabs(extremes.fLargest - extremes.fSmallest);
+        const Extremes extremes = ExtremesOf(bounds, stretch);
+        const bool bFits = m_conditions.fRectWidth > std::fabs(extremes.above.fValue + extremes.below.fValue);
         const std::size_t nExtreme =
-            std::fabs(extremes.fLargest) > std::fabs(extremes.fSmallest) ? extremes.nLargest : extremes.nSmallest;
-        const bool bForward = chain[nExtreme].nIndex > 0;
-        const auto trimmed = bForward ? chain.first(nExtreme + 1) : chain.subspan(nExtreme);
+            extremes.above.fValue > extremes.below.fValue ? extremes.above.nPosition : extremes.below.nPosition;
+        const bool bForward = m_Path[nExtreme].nIndex > 0;
+        const PathBoxes::Range trimmed =
+            bForward ? PathBoxes::Range{stretch.nFirst, nExtreme} : PathBoxes::Range{nExtreme, stretch.nLast};
         // A chain on its chord has nothing to trim, however narrow the strip has to be: it is as
         // straight as a chain can be, and that is a line.
-        if (bFits || trimmed.size() == chain.size()) {
+        if (bFits || trimmed == stretch) {
             FitLeastSquares(chain);
             m_bFound = 1;
             return 1;
         }
-        chain = trimmed;
+        stretch = trimmed;
     }
 }
 

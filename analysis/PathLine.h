@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "analysis/LineDetector.h"
+#include "analysis/PathBoxes.h"
 #include "core/Arithmetic.h"
 
 namespace width {
@@ -22,6 +23,23 @@ public:
     /// Signed distance of a pixel, in pixels.
     float Distance(std::int32_t x, std::int32_t y) const noexcept {
         return (static_cast<float>(y) * m_b + static_cast<float>(x) * m_a + m_c) / m_length;
+    }
+
+    /// Whether the line runs through two different pixels, so that distances are numbers.
+    bool IsLine() const noexcept { return m_length > 0.0F; }
+
+    /// Coefficients of the distance: (b * y + a * x + c) / length.
+    float A() const noexcept { return m_a; }
+    float B() const noexcept { return m_b; }
+    float C() const noexcept { return m_c; }
+    float Length() const noexcept { return m_length; }
+
+    /// Bounds of the distances of all pixels in a box; those of two of its corners.
+    float LargestIn(const PathBox& box) const noexcept {
+        return Distance(m_a >= 0.0F ? box.xHigh : box.xLow, m_b >= 0.0F ? box.yHigh : box.yLow);
+    }
+    float SmallestIn(const PathBox& box) const noexcept {
+        return Distance(m_a >= 0.0F ? box.xLow : box.xHigh, m_b >= 0.0F ? box.yLow : box.yHigh);
     }
 
 private:

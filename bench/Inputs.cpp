@@ -2,6 +2,7 @@
 #include "bench/Inputs.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -122,6 +123,43 @@ POINT ToImagePoint(const SkeletonMap& map, std::int32_t x, std::int32_t s) {
     return {x, map.Height() - 1 - s};
 }
 
+struct Step {
+    std::int32_t dx;
+    std::int32_t dy;
+};
+
+// The map of a path, clicked a fifth of the way behind its head or a little farther on, where the click meets a plain pixel.
+PathMap Drawn(const std::vector<POINT>& path) {
+    constexpr std::int32_t kMargin = 4;
+    const auto [left, right] = std::ranges::minmax_element(path, {}, &POINT::x);
+    const auto [bottom, top] = std::ranges::minmax_element(path, {}, &POINT::y);
+    const POINT ptOrigin{left->x - kMargin, bottom->y - kMargin};
+    SkeletonMap map(top->y - ptOrigin.y + 1 + kMargin, right->x - ptOrigin.x + 1 + kMargin);
+    for (const POINT pt : path) {
+        Mark(map, pt.x - ptOrigin.x, pt.y - ptOrigin.y);
+    }
+    for (std::size_t i = path.size() / 5;; ++i) {
+        const POINT ptClick = ToImagePoint(map, path[i].x - ptOrigin.x, path[i].y - ptOrigin.y);
+        LineDetector detector(LineConditions{});
+        if (i + 1 == path.size() || detector.TraceFromPoint(map, ptClick) != 0) {
+            return {std::move(map), ptClick};
+        }
+    }
+}
+
+// A path that takes step(i) behind its pixel i.
+template <class StepAt>
+PathMap Walk(std::int32_t nPixels, StepAt step) {
+    std::vector<POINT> path;
+    POINT pt{0, 0};
+    for (std::int32_t i = 0; i < nPixels; ++i) {
+        path.push_back(pt);
+        const Step s = step(i);
+        pt = {pt.x + s.dx, pt.y + s.dy};
+    }
+    return Drawn(path);
+}
+
 }  // namespace
 
 const char* SceneName(Scene scene) noexcept {
@@ -191,6 +229,39 @@ PathMap CombRing(std::int32_t nPixels) {
     }
     const POINT ptClick = ToImagePoint(map, nRight / 2, kBack);
     return {std::move(map), ptClick};
+}
+
+PathMap CircleRing(std::int32_t nPixels) {
+    std::vector<POINT> ring;
+    for (const PathPoint& pt : CirclePath(nPixels)) {
+        ring.push_back({pt.x, pt.y});
+    }
+    return Drawn(ring);
+}
+
+PathMap LevelWaves(std::int32_t nPixels) {
+    return Walk(nPixels, [](std::int32_t i) { return Step{1, i / 3 % 2 == 0 ? 1 : -1}; });
+}
+
+PathMap SlantingWaves(std::int32_t nPixels) {
+    return Walk(nPixels, [](std::int32_t i) { return Step{1, i % 20 == 19 ? 1 : i / 3 % 2 == 0 ? 1 : -1}; });
+}
+
+PathMap Stairs(std::int32_t nPixels) {
+    return Walk(nPixels, [](std::int32_t i) { return i / 6 % 2 == 0 ? Step{0, 1} : Step{1, 0}; });
+}
+
+PathMap LeaningTeeth(std::int32_t nPixels) {
+    return Walk(nPixels, [](std::int32_t i) {
+        constexpr std::array<Step, 4> kSide = {{{0, 1}, {-1, 1}, {-1, 1}, {0, 1}}};
+        constexpr std::int32_t kHalf = 12;
+        const std::int32_t nInHalf = i % kHalf;
+        if (nInHalf >= std::ssize(kSide)) {
+            return Step{1, 0};
+        }
+        const Step step = kSide[static_cast<std::size_t>(nInHalf)];
+        return i / kHalf % 2 == 0 ? step : Step{step.dx, -step.dy};
+    });
 }
 
 std::vector<PathPoint> CirclePath(std::int32_t nPixels) {

@@ -41,6 +41,20 @@ PathMap Serpentine(std::int32_t nPixels);
 /// A closed path of about nPixels pixels: the outline of a comb.
 PathMap CombRing(std::int32_t nPixels);
 
+/// A ring: the pixels of a circle, about nPixels of them.
+PathMap CircleRing(std::int32_t nPixels);
+
+// Paths of nPixels on which the search takes half a wave off at either end, again and again.
+
+/// Up 3 and down 3, to the right.
+PathMap LevelWaves(std::int32_t nPixels);
+/// The same, a tenth uphill.
+PathMap SlantingWaves(std::int32_t nPixels);
+/// Six pixels up, six to the right.
+PathMap Stairs(std::int32_t nPixels);
+/// To the right, with teeth that lean back over the gap before them.
+PathMap LeaningTeeth(std::int32_t nPixels);
+
 /// The pixels of a circle, about nPixels of them, in order: the worst case for the farthest pair.
 std::vector<PathPoint> CirclePath(std::int32_t nPixels);
 

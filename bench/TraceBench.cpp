@@ -1,27 +1,11 @@
-// A click on a long path: the walk with the search for the line, and the farthest pair of a ring with
-// the comparison of all pairs beside it.
-#include "analysis/PathLine.h"
+// A click on a long path: the walk with the search for the line; the search alone on paths that make it narrow or trim as
+// often as it can, and the farthest pair of a ring, each with its literal version beside it.
 #include "bench/Cases.h"
+#include "tests/support/LiteralSearch.h"
 
 namespace width::bench {
 
 namespace {
-
-// Every pixel with every later one, a strictly greater distance winning.
-std::int32_t LiteralFarthestPair(std::span<const PathPoint> path, std::int32_t& i, std::int32_t& j) {
-    float fLargest = 0.0F;
-    for (std::size_t a = 0; a < path.size(); ++a) {
-        for (std::size_t b = a + 1; b < path.size(); ++b) {
-            const float fLength = EdgeLength(path[a], path[b]);
-            if (fLength > fLargest) {
-                fLargest = fLength;
-                i = static_cast<std::int32_t>(a);
-                j = static_cast<std::int32_t>(b);
-            }
-        }
-    }
-    return path.empty() ? 0 : 1;
-}
 
 void AddTrace(const std::string& what, PathMap (*make)(std::int32_t), std::int32_t nPixels, bool bRing) {
     AddCase("click/" + what + "/" + std::to_string(nPixels) + " px", [=](benchmark::State& state) {
@@ -40,28 +24,65 @@ void AddTrace(const std::string& what, PathMap (*make)(std::int32_t), std::int32
     });
 }
 
-benchmark::internal::Benchmark* AddFarthestPair(std::int32_t nPixels, const char* pEnding, decltype(&LiteralFarthestPair) find) {
-    return AddCase("farthest pair/circle/" + std::to_string(nPixels) + " px" + pEnding, [=](benchmark::State& state) {
-        const std::vector<PathPoint> path = CirclePath(nPixels);
-        std::int32_t i = 0;
-        std::int32_t j = 0;
-        for (auto _ : state) {
-            benchmark::DoNotOptimize(find(path, i, j));
-            benchmark::DoNotOptimize(i + j);
-        }
-        state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(path.size()));
+// The literal search of the longer paths takes seconds, and is not to be repeated.
+void AddSearch(const std::string& what, PathMap (*make)(std::int32_t), std::int32_t nPixels) {
+    const std::string name = "search/" + what + "/" + std::to_string(nPixels) + " px";
+    const auto add = [&](const char* pEnding, auto search) {
+        return AddCase(name + pEnding, [=](benchmark::State& state) {
+            const PathMap path = make(nPixels);
+            LineDetector traced(LineConditions{});
+            if (traced.TraceFromPoint(path.map, path.ptClick) == 0) {
+                state.SkipWithError("the path is not as it was meant");
+            }
+            for (auto _ : state) {
+                search(traced);
+            }
+            state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(traced.Path().size()));
+        });
+    };
+    add("", [](const LineDetector& traced) {
+        LineDetector detector = traced;
+        benchmark::DoNotOptimize(detector.SearchLine());
     });
+    add("/literal",
+        [](const LineDetector& traced) {
+            benchmark::DoNotOptimize(
+                test::LiteralSearch(traced.Path(), traced.IsClosed(), traced.Seed(), LineConditions{}).bFound);
+        })
+        ->Iterations(1)
+        ->Repetitions(1);
+}
+
+void AddFarthestPair(std::int32_t nPixels) {
+    const std::string name = "farthest pair/circle/" + std::to_string(nPixels) + " px";
+    const auto add = [&](const char* pEnding, auto find) {
+        return AddCase(name + pEnding, [=](benchmark::State& state) {
+            const std::vector<PathPoint> path = CirclePath(nPixels);
+            std::int32_t i = 0;
+            std::int32_t j = 0;
+            for (auto _ : state) {
+                benchmark::DoNotOptimize(find(path, i, j));
+                benchmark::DoNotOptimize(i + j);
+            }
+            state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(path.size()));
+        });
+    };
+    add("", LineDetector::FindFarthestPair);
+    add("/literal", test::LiteralFarthestPair)->Iterations(1)->Repetitions(1);  // seconds, not to be repeated
 }
 
 const bool g_bAdded = [] {
     for (const std::int32_t nPixels : {20'000, 100'000}) {
         AddTrace("serpentine", Serpentine, nPixels, false);
         AddTrace("comb ring", CombRing, nPixels, true);
+        AddTrace("circle", CircleRing, nPixels, true);
     }
-    for (const std::int32_t nPixels : {20'000, 100'000}) {
-        AddFarthestPair(nPixels, "", LineDetector::FindFarthestPair);
-        AddFarthestPair(nPixels, "/literal", LiteralFarthestPair)->Iterations(1)->Repetitions(1);  // seconds, not to be repeated
-    }
+    AddSearch("level waves", LevelWaves, 100'000);
+    AddSearch("slanting waves", SlantingWaves, 100'000);
+    AddSearch("stairs", Stairs, 40'000);  // as many as a map of 400 MB holds
+    AddSearch("leaning teeth", LeaningTeeth, 100'000);
+    AddFarthestPair(20'000);
+    AddFarthestPair(100'000);
     return true;
 }();
 

@@ -244,31 +244,6 @@ std::vector<PathPoint> Circle(std::int32_t nRadius, std::int32_t nSquash) {
     return PathOf(chain);
 }
 
-TEST(FindFarthestPair, EqualsComparingAllPairs) {
-    std::mt19937 random(6);
-    for (int nCase = 0; nCase < 60; ++nCase) {
-        const std::vector<PathPoint> path = Circle(3 + test::Below(random, 200), test::Below(random, 3));
-        float fLargest = 0;
-        std::pair<std::int32_t, std::int32_t> expected{0, 0};
-        for (std::size_t a = 0; a < path.size(); ++a) {
-            for (std::size_t b = a + 1; b < path.size(); ++b) {
-                const auto dx = static_cast<float>(path[b].x - path[a].x);
-                const std::int32_t dy = path[b].y - path[a].y;
-                const float f = std::sqrt(dx * dx + static_cast<float>(dy * dy));
-                if (f > fLargest) {
-                    fLargest = f;
-                    expected = {static_cast<std::int32_t>(a), static_cast<std::int32_t>(b)};
-                }
-            }
-        }
-        std::pair<std::int32_t, std::int32_t> found{-1, -1};
-        EXPECT_EQ(LineDetector::FindFarthestPair(path, found.first, found.second), 1);
-        ASSERT_EQ(found, expected) << path.size();
-    }
-    std::int32_t i = 0;
-    EXPECT_EQ(LineDetector::FindFarthestPair({}, i, i), 0);
-}
-
 struct Ends {
     std::int32_t x1, y1, x2, y2;
     friend bool operator==(const Ends&, const Ends&) = default;
@@ -325,31 +300,6 @@ TEST(SearchLine, CurvesGiveAStripOnlyWhereTheRectangularWayIsOn) {
     EXPECT_GE(std::hypot(strip.x1 - strip.x2, strip.y1 - strip.y2), 28.0);
     EXPECT_EQ(LineAt(map, 205, 6, Conditions(30, false)), kNone);
     EXPECT_EQ(LineAt(CircleMap(12), 17, 6, Conditions(30)), kNone) << "no chord of 30 pixels";
-}
-
-// A path that crosses itself, loops, spurs, noise: the search ends on all of them.
-TEST(SearchLine, EndsOnEveryClickOfRandomClusters) {
-    std::mt19937 random(9);
-    int nFound = 0;
-    for (int i = 0; i < 4000; ++i) {
-        SkeletonMap map(40, 40);
-        std::int32_t x = 20;
-        std::int32_t y = 20;
-        for (int n = 0; n < 300; ++n) {
-            const std::int32_t nRun = test::Below(random, 12);
-            const std::int32_t dx = test::Below(random, 3) - 1;
-            const std::int32_t dy = test::Below(random, 3) - 1;
-            for (std::int32_t k = 0; k < nRun; ++k, ++n) {
-                x = std::clamp(x + dx, 0, 39);
-                y = std::clamp(y + dy, 0, 39);
-                map.Set({y + 2, x + 2}, 1);
-            }
-        }
-        LineConditions conditions = Conditions(test::Below(random, 8), random() % 2 == 0);
-        conditions.fRectWidth = static_cast<float>(random() % 4);
-        nFound += LineAt(map, test::Below(random, 40), test::Below(random, 40), conditions) == kNone ? 0 : 1;
-    }
-    EXPECT_GT(nFound, 100);
 }
 
 }  // namespace

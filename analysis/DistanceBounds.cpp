@@ -1,0 +1,74 @@
+// Hull corners are compared with the line in double precision. What single precision makes of a pixel's distance differs
+// from the true value by less than m_error, so that much is added.
+// Tested by: tests/unit/analysis/LineSearchTest.cpp
+#include "analysis/DistanceBounds.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+
+#include "analysis/ConvexHull.h"
+
+namespace width {
+
+DistanceBounds::DistanceBounds(const PathBoxes& boxes) : m_boxes(boxes) {
+    std::vector<PathPoint> pixels;
+    for (std::size_t nLevel = 0; nLevel <= boxes.Root().nLevel; ++nLevel) {
+        Level level;
+        for (std::size_t nPlace = 0; nPlace < boxes.Count(nLevel); ++nPlace) {
+            const PathBoxes::Node node{nLevel, nPlace};
+            pixels.clear();
+            if (nLevel == 0) {
+                const PathBoxes::Range range = boxes.Pixels(node);
+                pixels.assign(&boxes.Path()[range.nFirst], &boxes.Path()[range.nLast] + 1);
+                std::ranges::sort(pixels, IsLeftOf);
+            } else {
+                const std::optional<PathBoxes::Node> upper = boxes.Upper(node);
+                std::ranges::merge(Corners(PathBoxes::Lower(node)), upper ? Corners(*upper) : std::span<const PathPoint>(),
+                                   std::back_inserter(pixels), IsLeftOf);
+            }
+            KeepHullCorners(pixels);
+            level.corners.insert(level.corners.end(), pixels.begin(), pixels.end());
+            level.ends.push_back(level.corners.size());
+        }
+        m_levels.push_back(std::move(level));
+    }
+}
+
+std::span<const PathPoint> DistanceBounds::Corners(PathBoxes::Node node) const noexcept {
+    const Level& level = m_levels[node.nLevel];
+    const std::size_t nFirst = node.nPlace == 0 ? 0 : level.ends[node.nPlace - 1];
+    return std::span(level.corners).subspan(nFirst, level.ends[node.nPlace] - nFirst);
+}
+
+// Two products, two sums and a quotient, each rounded to 24 bits, and the products are the largest of them: eight such
+// errors are more than all of these together.
+DistanceBounds::Of::Of(const DistanceBounds& bounds, const PathLine& line) noexcept : m_bounds(bounds), m_line(line) {
+    constexpr double kEightRoundings = 8.0 / (1 << 24);
+    const PathBox& all = bounds.m_boxes.Box(bounds.m_boxes.Root());
+    const double x = std::max(std::fabs(static_cast<double>(all.xLow)), std::fabs(static_cast<double>(all.xHigh)));
+    const double y = std::max(std::fabs(static_cast<double>(all.yLow)), std::fabs(static_cast<double>(all.yHigh)));
+    m_error = kEightRoundings * (std::fabs(line.A()) * x + std::fabs(line.B()) * y + std::fabs(line.C()));
+}
+
+float DistanceBounds::Of::LargestAtCorners(PathBoxes::Node node, double fSign) const noexcept {
+    const double a = fSign * m_line.A();
+    const double b = fSign * m_line.B();
+    double fLargest = -std::numeric_limits<double>::infinity();
+    for (const PathPoint& pt : m_bounds.Corners(node)) {
+        fLargest = std::max(fLargest, a * pt.x + b * pt.y);
+    }
+    const double fBound = (fLargest + fSign * m_line.C() + m_error) / m_line.Length();
+    return std::nextafter(static_cast<float>(fBound), std::numeric_limits<float>::infinity());
+}
+
+float DistanceBounds::Of::Largest(PathBoxes::Node node) const noexcept {
+    return std::min(m_line.LargestIn(m_bounds.m_boxes.Box(node)), LargestAtCorners(node, +1.0));
+}
+
+float DistanceBounds::Of::Smallest(PathBoxes::Node node) const noexcept {
+    return std::max(m_line.SmallestIn(m_bounds.m_boxes.Box(node)), -LargestAtCorners(node, -1.0));
+}
+
+}  // namespace width

@@ -1,0 +1,330 @@
+// The search for the line, and what makes it quick, against the literal search that looks at every pixel every time.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <numeric>
+#include <random>
+
+#include "analysis/DistanceBounds.h"
+#include "analysis/LineDetector.h"
+#include "analysis/StretchHull.h"
+#include "tests/support/LiteralSearch.h"
+#include "tests/support/Pictures.h"
+
+namespace width {
+namespace {
+
+using Path = std::vector<PathPoint>;
+
+struct Step {
+    std::int32_t dx;
+    std::int32_t dy;
+};
+
+// A path of nPixels that takes step(i) behind its pixel i; the seed is in the middle.
+Path Walk(std::int32_t nPixels, const std::function<Step(std::int32_t)>& step) {
+    Path path;
+    PathPoint pt{-nPixels / 2, 0, 0};
+    for (std::int32_t i = 0; i < nPixels; ++i) {
+        path.push_back(pt);
+        const Step s = step(i);
+        pt = {pt.nIndex + 1, pt.x + s.dx, pt.y + s.dy};
+    }
+    return path;
+}
+
+// Turns and mirrors a path, so that all directions come up: nTurn from 0 to 7.
+Path Turned(Path path, int nTurn) {
+    for (PathPoint& pt : path) {
+        if ((nTurn & 1) != 0) {
+            std::swap(pt.x, pt.y);
+        }
+        pt.x = (nTurn & 2) != 0 ? -pt.x : pt.x;
+        pt.y = (nTurn & 4) != 0 ? -pt.y : pt.y;
+    }
+    return path;
+}
+
+// The map of a path, and the path's place in it: the lowest pixel and the leftmost one lie nMargin from the border.
+struct Drawn {
+    Drawn(const Path& path, std::int32_t nMargin) {
+        const auto [left, right] = std::ranges::minmax_element(path, {}, &PathPoint::x);
+        const auto [bottom, top] = std::ranges::minmax_element(path, {}, &PathPoint::y);
+        dx = nMargin - left->x;
+        dy = nMargin - bottom->y;
+        map = SkeletonMap(top->y + dy + 1 + nMargin, right->x + dx + 1 + nMargin);
+        for (const PathPoint& pt : path) {
+            map.Set({pt.y + dy + SkeletonMap::kBorder, pt.x + dx + SkeletonMap::kBorder}, 1);
+        }
+    }
+    POINT At(const PathPoint& pt) const { return {pt.x + dx, map.Height() - 1 - (pt.y + dy)}; }
+
+    SkeletonMap map;
+    std::int32_t dx = 0;
+    std::int32_t dy = 0;
+};
+
+// Whether a click near a point traces a path; what the search makes of it must be what the literal one does.
+bool ClickGivesTheSame(const SkeletonMap& map, POINT ptClick, const LineConditions& conditions, int& nMostTrips) {
+    LineDetector detector(conditions);
+    if (detector.TraceFromPoint(map, ptClick) == 0) {
+        return false;
+    }
+    const test::LiteralLine literal = test::LiteralSearch(detector.Path(), detector.IsClosed(), detector.Seed(), conditions);
+    nMostTrips = std::max(nMostTrips, literal.nTrips);
+    EXPECT_EQ(test::FoundLine(detector) == literal, true)
+        << detector.Path().size() << " pixels, seed " << detector.Seed().x << ',' << detector.Seed().y << ", shortest "
+        << conditions.nMinLineLength << ", strip " << conditions.fRectWidth << ", literal found " << literal.bFound;
+    return true;
+}
+
+LineConditions AnyConditions(std::mt19937& random, std::int32_t nLongest) {
+    LineConditions conditions;
+    conditions.nMinLineLength = test::Below(random, nLongest);
+    conditions.bRectAlgorithm = test::Below(random, 4) == 0 ? 0 : 1;
+    conditions.fRectWidth = static_cast<float>(test::Below(random, 9)) * 0.5F;
+    return conditions;
+}
+
+// Waves of all kinds: the search narrows by half a wave at a time, and the strip is trimmed by half a wave at a time.
+TEST(SearchLine, EqualsTheLiteralSearchOnWaves) {
+    const std::vector<std::function<Step(std::int32_t)>> waves = {
+        [](std::int32_t i) {
+            return Step{1, i / 3 % 2 == 0 ? 1 : -1};
+        },
+        [](std::int32_t i) {
+            return Step{1, i / 5 % 2 == 0 ? 1 : -1};
+        },
+        [](std::int32_t i) {
+            return i / 6 % 2 == 0 ? Step{1, 0} : Step{0, 1};
+        },
+        [](std::int32_t i) {
+            return i % 14 < 10 ? Step{1, 0} : Step{0, 1};
+        },
+        [](std::int32_t i) {
+            return i % 9 < 5 ? Step{1, 1} : Step{1, -1};
+        },
+        [](std::int32_t i) {
+            return Step{1, i % 41 == 40 ? 1 : i / 4 % 2 == 0 ? 1 : -1};
+        },
+        [](std::int32_t i) {
+            return i % 12 < 4 ? Step{0, 1} : i % 12 < 6 || i % 12 >= 10 ? Step{1, 0} : Step{0, -1};
+        },
+        [](std::int32_t i) {
+            return i % 32 < 4 ? Step{-1, 1} : i % 32 >= 16 && i % 32 < 20 ? Step{-1, -1} : Step{1, 0};
+        },
+        [](std::int32_t i) {
+            return std::fmod(std::sqrt(i + 1.0) * 5, 1.0) < 0.5 ? Step{1, 0} : Step{1, 1};
+        },
+    };
+    std::mt19937 random(11);
+    int nTraced = 0;
+    int nMostTrips = 0;
+    for (int i = 0; i < 360; ++i) {
+        const Path path = Turned(Walk(200 + test::Below(random, 700), waves[random() % waves.size()]), i % 8);
+        const Drawn drawn(path, 4 + test::Below(random, 5000) * (i % 5 == 0 ? 1 : 0));
+        for (int nClick = 0; nClick < 4; ++nClick) {
+            LineConditions conditions = AnyConditions(random, 60);
+            nTraced += ClickGivesTheSame(drawn.map, drawn.At(path[random() % path.size()]), conditions, nMostTrips) ? 1 : 0;
+            ASSERT_FALSE(testing::Test::HasFailure()) << i;
+        }
+    }
+    EXPECT_GT(nTraced, 700);
+    EXPECT_GT(nMostTrips, 100);
+}
+
+// Runs in random directions: ends, junctions, loops, rings, pixels that a path meets twice.
+TEST(SearchLine, EqualsTheLiteralSearchOnClusters) {
+    std::mt19937 random(12);
+    int nTraced = 0;
+    int nMostTrips = 0;
+    for (int i = 0; i < 8000; ++i) {
+        SkeletonMap map(60, 60);
+        std::int32_t x = 30;
+        std::int32_t y = 30;
+        for (int n = 0; n < 100 + 100 * (i % 3); ++n) {
+            const Step step{test::Below(random, 3) - 1, test::Below(random, 3) - 1};
+            for (std::int32_t k = test::Below(random, 12); k > 0; --k, ++n) {
+                x = std::clamp(x + step.dx, 0, 59);
+                y = std::clamp(y + step.dy, 0, 59);
+                map.Set({y + 2, x + 2}, 1);
+            }
+        }
+        const POINT ptClick{test::Below(random, 60), test::Below(random, 60)};
+        nTraced += ClickGivesTheSame(map, ptClick, AnyConditions(random, 12), nMostTrips) ? 1 : 0;
+        ASSERT_FALSE(testing::Test::HasFailure()) << i << '\n' << test::Drawing(map);
+    }
+    EXPECT_GT(nTraced, 700);
+}
+
+// Positions beyond 46,340 from the seed: the product of two numbers wraps, and pairs count as spanning that do not, or do
+// not count that do.
+TEST(SearchLine, EqualsTheLiteralSearchWhereNumbersWrap) {
+    const Path path = Walk(100'000, [](std::int32_t i) { return Step{1, i % 50'000 == 49'999 ? 0 : i / 40 % 2 == 0 ? 1 : -1}; });
+    const Drawn drawn(path, 5);
+    int nMostTrips = 0;
+    for (const std::size_t nClick : {3UL, 22'015UL, 40'000UL, 51'009UL, 60'013UL, 75'030UL}) {
+        EXPECT_TRUE(ClickGivesTheSame(drawn.map, drawn.At(path[nClick]), LineConditions{}, nMostTrips)) << nClick;
+    }
+}
+
+// However loose the bounds are, and whichever half is looked at first: the first of the largest values counts.
+TEST(PathBoxes, TheFirstOfTheLargestValuesIsFound) {
+    std::mt19937 random(15);
+    for (int i = 0; i < 400; ++i) {
+        Path path;
+        for (std::int32_t n = test::Below(random, 300); n >= 0; --n) {
+            path.push_back({0, test::Below(random, 9) - 2, 0});
+        }
+        const PathBoxes boxes(path);
+        const auto nFirst = static_cast<std::size_t>(test::Below(random, static_cast<std::int32_t>(path.size())));
+        const std::size_t nLast = nFirst + random() % (path.size() - nFirst);
+        const PathBoxes::Largest found = boxes.FindLargest(
+            {nFirst, nLast}, [](const PathPoint& pt) { return static_cast<float>(pt.x); },
+            [&](PathBoxes::Node node) { return static_cast<float>(boxes.Box(node).xHigh + test::Below(random, 3)); });
+        const auto at = [&](std::size_t n) { return path.begin() + static_cast<std::ptrdiff_t>(n); };
+        const auto largest = std::max_element(at(nFirst), at(nLast) + 1, [](auto& p, auto& q) { return p.x < q.x; });
+        const auto nExpected = largest->x > 0 ? static_cast<std::size_t>(largest - path.begin()) : nFirst;
+        ASSERT_EQ(found.nPosition, nExpected) << nFirst << " to " << nLast << " of " << path.size();
+    }
+}
+
+// Slanting paths far from the origin, where single precision is off by more than the pixels differ.
+TEST(DistanceBounds, NoPixelIsFartherThanItsNodesBound) {
+    std::mt19937 random(16);
+    float fTightest = 1000.0F;
+    for (int i = 0; i < 60; ++i) {
+        Path path = Walk(400, [&](std::int32_t) { return Step{1, test::Below(random, 4) == 0 ? 0 : 1}; });
+        const Step offset{test::Below(random, 200'000), test::Below(random, 200'000)};
+        for (PathPoint& pt : path) {
+            pt = {pt.nIndex, pt.x + offset.dx, pt.y + offset.dy};
+        }
+        const PathBoxes boxes(path);
+        const DistanceBounds bounds(boxes);
+        const PathLine line(path[random() % 100], path[300 + random() % 100]);
+        const DistanceBounds::Of distances(bounds, line);
+        for (PathBoxes::Node node = boxes.Root();; node = PathBoxes::Lower(node)) {
+            const PathBoxes::Range range = boxes.Pixels(node);
+            for (std::size_t n = range.nFirst; n <= range.nLast; ++n) {
+                const float fDistance = line.Distance(path[n].x, path[n].y);
+                ASSERT_LE(fDistance, distances.Largest(node));
+                ASSERT_GE(fDistance, distances.Smallest(node));
+                fTightest = std::min(fTightest, distances.Largest(node) - fDistance);
+            }
+            if (node.nLevel == 0) {
+                break;
+            }
+        }
+    }
+    EXPECT_LT(fTightest, 0.1F) << "a bound that is never near is of no use";
+}
+
+// Stretches of paths that go forward, that nearly do, and that do not.
+TEST(StretchHull, EqualsPruningTheWholeStretch) {
+    std::mt19937 random(13);
+    for (int i = 0; i < 600; ++i) {
+        const std::int32_t nDirections = 1 + test::Below(random, 8);
+        const std::int32_t nFirst = test::Below(random, 8);
+        const std::int32_t nPixels = 3 + test::Below(random, 120);
+        const Path path = Walk(nPixels, [&](std::int32_t) {
+            constexpr Step kSteps[] = {{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}};
+            return test::Below(random, 200) == 0 ? Step{0, 0} : kSteps[(nFirst + test::Below(random, nDirections)) % 8];
+        });
+        StretchHull hull(path, nPixels / 2);
+        for (int n = 0; n < 40; ++n) {
+            const std::int32_t nFrom = test::Below(random, nPixels - 1);
+            const std::int32_t nTo = nFrom + 1 + test::Below(random, nPixels - nFrom - 1);
+            for (const std::int32_t nSide : {+1, -1}) {
+                std::vector<std::int32_t> chain(static_cast<std::size_t>(nTo - nFrom) + 1);
+                std::iota(chain.begin(), chain.end(), nFrom);
+                LineDetector::PruneToHull(path, chain, nSide);
+                ASSERT_EQ(hull.Corners(nFrom, nTo, nSide), chain) << i << ": " << nFrom << " to " << nTo << ", side " << nSide;
+            }
+        }
+    }
+}
+
+// A turn of 50,000 by 50,000 pixels wraps, and the pruning goes by its wrong sign.
+TEST(StretchHull, EqualsPruningWhereTurnsWrap) {
+    const Path path = Walk(100'000, [](std::int32_t i) {
+        return i % 5'000 == 7 ? Step{1, 1} : i < 50'000 ? Step{1, 0} : Step{0, 1};
+    });
+    StretchHull hull(path, 50'000);
+    for (const std::int32_t nSide : {+1, -1}) {
+        std::vector<std::int32_t> chain(path.size());
+        std::iota(chain.begin(), chain.end(), 0);
+        LineDetector::PruneToHull(path, chain, nSide);
+        EXPECT_EQ(hull.Corners(0, 99'999, nSide), chain) << nSide;
+    }
+}
+
+void ExpectLiteralPair(const Path& path) {
+    std::pair<std::int32_t, std::int32_t> expected{-1, -1};
+    std::pair<std::int32_t, std::int32_t> found{-1, -1};
+    EXPECT_EQ(LineDetector::FindFarthestPair(path, found.first, found.second),
+              test::LiteralFarthestPair(path, expected.first, expected.second));
+    ASSERT_EQ(found, expected) << path.size();
+}
+
+Path Ellipse(double fHalfWidth, double fHalfHeight) {
+    const auto nSteps = static_cast<std::int32_t>(8 * std::max(fHalfWidth, fHalfHeight));
+    Path path;
+    for (std::int32_t i = 0; i < nSteps; ++i) {
+        const double angle = 2 * std::numbers::pi * i / nSteps;
+        const PathPoint pt{std::ssize(path) > 0 ? path.back().nIndex + 1 : 0,
+                           static_cast<std::int32_t>(std::lround(fHalfWidth * (1 + std::cos(angle)))),
+                           static_cast<std::int32_t>(std::lround(fHalfHeight * (1 + std::sin(angle))))};
+        if (path.empty() || path.back().x != pt.x || path.back().y != pt.y) {
+            path.push_back(pt);
+        }
+    }
+    return path;
+}
+
+// Round ones have many pairs nearly as far apart as the farthest, and often several that tie.
+TEST(FindFarthestPair, EqualsComparingAllPairs) {
+    std::mt19937 random(6);
+    for (int i = 0; i < 80; ++i) {
+        const double fRadius = 3 + test::Below(random, 200);
+        ExpectLiteralPair(Ellipse(fRadius, fRadius - test::Below(random, 3)));
+    }
+    for (int i = 0; i < 300; ++i) {
+        Path cloud;
+        for (std::int32_t n = test::Below(random, 60); n >= 0; --n) {
+            cloud.push_back({0, test::Below(random, 1 + i / 10), test::Below(random, 1 + i / 10)});
+        }
+        ExpectLiteralPair(cloud);
+    }
+    ExpectLiteralPair({});
+    ExpectLiteralPair(Path(20, {0, 7, 7}));
+}
+
+// From 46,341 rows on the square of a difference in y wraps, to a negative number first, and from 65,536 on it is small.
+TEST(FindFarthestPair, EqualsComparingAllPairsWhereSquaresWrap) {
+    std::mt19937 random(14);
+    for (const std::int32_t nHeight : {46'339, 46'340, 46'341, 46'350, 60'000, 65'535, 65'537, 92'681, 120'000}) {
+        for (int i = 0; i < 12; ++i) {
+            Path ring;
+            const std::int32_t nWidth = i % 3 == 0 ? 4 : i % 3 == 1 ? 5'000 : 90'000;
+            for (std::int32_t n = 0; n < 400; ++n) {
+                const std::int32_t y =
+                    test::Below(random, 20) == 0 ? nHeight * test::Below(random, 2) : test::Below(random, nHeight);
+                ring.push_back({n, test::Below(random, nWidth), y});
+            }
+            ExpectLiteralPair(ring);
+        }
+        Path sides;  // as a narrow ring goes: up one side and down the other
+        for (std::int32_t y = 0; y <= nHeight; y += 37) {
+            sides.push_back({0, 0, y});
+        }
+        for (std::int32_t y = nHeight; y >= 0; y -= 41) {
+            sides.push_back({0, 9, y});
+        }
+        ExpectLiteralPair(sides);
+    }
+}
+
+}  // namespace
+}  // namespace width
