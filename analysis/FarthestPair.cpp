@@ -51,19 +51,19 @@ public:
     FarPixels(const PathBoxes& boxes, std::int64_t nEnough) : m_boxes(boxes), m_nEnough(nEnough) {}
 
     void Collect(PathBoxes::Node node, std::span<const PathPoint> corners) {
-        std::vector<PathPoint> far;
-        std::ranges::copy_if(corners, std::back_inserter(far),
+        std::vector<PathPoint> distant;
+        std::ranges::copy_if(corners, std::back_inserter(distant),
                              [&](const PathPoint& pt) { return LargestSquaredLength(m_boxes.Box(node), pt) >= m_nEnough; });
-        if (far.empty()) {
+        if (distant.empty()) {
             return;
         }
         if (node.nLevel == 0) {
-            CollectPixels(m_boxes.Pixels(node), far);
+            CollectPixels(m_boxes.Pixels(node), distant);
             return;
         }
-        Collect(PathBoxes::Lower(node), far);
+        Collect(PathBoxes::Lower(node), distant);
         if (const std::optional<PathBoxes::Node> upper = m_boxes.Upper(node)) {
-            Collect(*upper, far);
+            Collect(*upper, distant);
         }
     }
 
@@ -95,9 +95,9 @@ std::vector<std::size_t> Candidates(std::span<const PathPoint> path) {
         }
     }
     const PathBoxes boxes(path);
-    FarPixels far(boxes, nLargest - (nLargest >> 20) - 1);
-    far.Collect(boxes.Root(), corners);
-    return std::move(far.positions);
+    FarPixels distant(boxes, nLargest - (nLargest >> 20) - 1);
+    distant.Collect(boxes.Root(), corners);
+    return std::move(distant.positions);
 }
 
 // The first of the pairs with the largest EdgeLength.

@@ -43,14 +43,14 @@ std::span<const CmdEntry> CPibView::Commands() const {
 }
 
 void CPibView::OnTrack() {
-    InvalidateView();
+    RepaintView();
     if (HasImage()) {
         g_nToolMode = TOOL_TRACK;
     }
 }
 
 void CPibView::OnZoomTool() {
-    InvalidateView();
+    RepaintView();
     if (HasImage()) {
         g_nToolMode = TOOL_ZOOM;
     }
@@ -58,13 +58,12 @@ void CPibView::OnZoomTool() {
 
 void CPibView::OnLineDetect() {
     g_nToolMode = TOOL_LINE_DETECT;
-    InvalidateView();
+    RepaintView();
 }
 
 void CPibView::OnWidthLabel() {
     g_nToolMode = TOOL_WIDTH_LABEL;
-    ForgetSquares();
-    InvalidateView();
+    RepaintView();
 }
 
 // A failed run leaves the flag at 0. The map before is given up first, so that two are never needed at once.

@@ -144,7 +144,14 @@ void CPibView::WriteLabelsToBitmap() {
     if (m_bWriteLines == 0) {
         overlays.lines = {};
     }
-    m_composition.Invalidate();
+    // The composition is for the block alone: whatever comes between, the next paint makes its own.
+    struct Borrowed {
+        CComposition& composition;
+        explicit Borrowed(CComposition& c) : composition(c) { composition.Invalidate(); }
+        ~Borrowed() { composition.Invalidate(); }
+        Borrowed(const Borrowed&) = delete;
+        Borrowed& operator=(const Borrowed&) = delete;
+    } const borrowed(m_composition);
     CPalette palette;
     palette.Attach(MakePalette(*m_dib));
     const bool bColoursFound = m_dib->BitCount() > 8 || palette.GetSafeHandle() != nullptr;
@@ -152,7 +159,6 @@ void CPibView::WriteLabelsToBitmap() {
         StorePixels(m_dib->Figures(), static_cast<std::uint8_t*>(m_pDib) + m_dib->Figures().nBitsOffset, m_composition.Pixels(),
                     [&](COLORREF clr) { return palette.GetNearestPaletteIndex(clr); });
     }
-    m_composition.Invalidate();
 }
 
 void CPibView::OnWriteToBitmap() {

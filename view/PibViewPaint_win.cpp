@@ -52,6 +52,14 @@ bool CPibView::PaintVisiblePart(CDC& dc, const RECT& rcImage) const {
                            m_dib->Row(nFirstRow).data(), info.Get(), DIB_RGB_COLORS, SRCCOPY) != 0;
 }
 
+// The picture alone, at any zoom.
+void CPibView::PaintWithoutOverlays(CDC& dc, const RECT& rcImage) const {
+    const DrawingInfo info = DrawingInfoOf(*m_dib);
+    ::StretchDIBits(dc, rcImage.left, rcImage.top, rcImage.right - rcImage.left, rcImage.bottom - rcImage.top, 0, 0,
+                    m_dib->Width(), m_dib->Height(), m_dib->Row(0).data(), info.Get(), DIB_RGB_COLORS, SRCCOPY);
+}
+
+// Without memory for a composition the picture is still seen, if not what lies over it.
 void CPibView::OnDraw(CDC* pDC) {
     if (!m_dib) {
         return;
@@ -62,6 +70,8 @@ void CPibView::OnDraw(CDC* pDC) {
     const bool bPainted = overlays.AreEmpty() && m_nZoomNum == m_nZoomDen && PaintVisiblePart(*pDC, rcImage);
     if (!bPainted && m_composition.Compose(*m_dib, overlays)) {
         pDC->StretchBlt(rcImage, m_composition.Surface(), {0, 0, m_dib->Width(), m_dib->Height()});
+    } else if (!bPainted) {
+        PaintWithoutOverlays(*pDC, rcImage);
     }
     pDC->SetStretchBltMode(nOldMode);
 }

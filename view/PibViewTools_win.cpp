@@ -80,7 +80,7 @@ void CPibView::Pan(POINT point) {
     const HCURSOR hOldCursor = ::SetCursor(g_hCursorGrab);
     CHandTracker tracker(this);
     if (tracker.TrackRubberBand(this, point, true)) {
-        InvalidateView();
+        RepaintView();
     }
     ::SetCursor(hOldCursor);
 }

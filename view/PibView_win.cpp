@@ -4,6 +4,8 @@
 
 #include <malloc.h>
 
+#include <utility>
+
 #include "module/ModuleState.h"
 #include "res/resource.h"
 
@@ -63,14 +65,13 @@ bool CPibView::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lRe
 }
 
 // The door for everything that the host hands over. A block that is refused is released at once, and the job goes on
-// without a picture.
+// without a picture. Anybody may post the message; only the block that the job has brought is looked at.
 LRESULT CPibView::OnSetDib(WPARAM wParam, LPARAM /*lParam*/) {
-    void* pDib = reinterpret_cast<void*>(wParam);
-    if (pDib == nullptr) {
+    if (wParam == 0 || wParam != reinterpret_cast<WPARAM>(g_pPendingDib)) {
         return 0;
     }
+    void* pDib = std::exchange(g_pPendingDib, nullptr);  // it has found its owner, for better or worse
     const auto dib = DibView::Open({static_cast<const std::byte*>(pDib), _msize(pDib)});
-    g_pPendingDib = nullptr;  // it has found its owner, for better or worse
     if (!dib || HasImage()) {
         free(pDib);
         return 0;
@@ -99,9 +100,13 @@ void CPibView::UpdateScrollSizes() {
     Invalidate(true);
 }
 
-// The paint wipes the search square, which must not be wiped once more.
 void CPibView::InvalidateView() {
     m_composition.Invalidate();
+    RepaintView();
+}
+
+// The paint wipes the search square, which must not be wiped once more.
+void CPibView::RepaintView() {
     ForgetSquares();
     Invalidate(true);
 }

@@ -124,9 +124,11 @@ private:
     bool HasImage() const { return m_dib.has_value(); }
     Overlays CurrentOverlays() const;
     bool PaintVisiblePart(CDC& dc, const RECT& rcImage) const;
+    void PaintWithoutOverlays(CDC& dc, const RECT& rcImage) const;
     bool DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState);
     void UpdateScrollSizes();
-    void InvalidateView();
+    void InvalidateView();  ///< what the view shows has changed
+    void RepaintView();     ///< only what is drawn on the window beside it has
     void SetZoom(std::int32_t nNum, std::int32_t nDen);
     void StepZoom(std::optional<Zoom> zoom);
     void Pan(POINT point);

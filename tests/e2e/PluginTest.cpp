@@ -282,6 +282,23 @@ TEST(Plugin, PaintsEveryPixelWhereItBelongs) {
     EXPECT_TRUE(job.WaitForPane(kPaneZoom, L"Zoom: 100%"));
 }
 
+// A composition takes four bytes a pixel, and this one does not fit: the picture is seen all the same.
+TEST(Plugin, APictureTooLargeToComposeIsStillSeen) {
+    constexpr std::int32_t kWidth = 1'000'000, kHeight = 600;
+    const std::vector<std::byte> block =
+        test::DibBuilder(kWidth, kHeight, 1).SetColour(0, {10, 120, 230}).SetColour(1, {1, 2, 3}).Block();
+    PluginJob job(kEnglish);
+    ASSERT_NE(job.Start(block), nullptr);
+    ASSERT_TRUE(job.WaitForPane(kPaneSize, L"1000000 x 600"));
+    job.Command(ID_TOOL_ZOOM);
+    for (const wchar_t* pZoom : {L"Zoom: 150%", L"Zoom: 200%"}) {
+        job.Send(job.View(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+        ASSERT_TRUE(job.WaitForPane(kPaneZoom, pZoom));
+        job.Paint();
+        EXPECT_EQ(PixelAt(job.View(), {100, 100}), RGB(10, 120, 230)) << pZoom;
+    }
+}
+
 TEST(Plugin, CursorsTellToolAndZoom) {
     PluginJob job(kEnglish);
     ASSERT_NE(job.Start(Quarters(64, 48)), nullptr);
