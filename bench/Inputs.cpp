@@ -30,8 +30,8 @@ struct Plane {
 std::int64_t DrawStroke(Plane& plane, POINT from, POINT step, std::int32_t nLength, std::int32_t nPen) {
     std::int64_t nNew = 0;
     for (std::int32_t i = 0; i < nLength; ++i) {
-        const std::int32_t x0 = std::max(from.x + i * step.x, 0);
-        const std::int32_t s0 = std::max(from.y + i * step.y, 0);
+        const std::int32_t x0 = std::max<std::int32_t>(from.x + i * step.x, 0);
+        const std::int32_t s0 = std::max<std::int32_t>(from.y + i * step.y, 0);
         for (std::int32_t s = s0; s < std::min(s0 + nPen, plane.nSize); ++s) {
             for (std::int32_t x = x0; x < std::min(x0 + nPen, plane.nSize); ++x) {
                 std::uint8_t& level = plane.At(x, s);
@@ -96,7 +96,7 @@ Plane Draw(Scene scene, std::int32_t nSize) {
     return plane;
 }
 
-// Ink and paper get a slight tint in 24 bits, so that no shortcut for equal parts helps.
+// Ink and paper get a slight tint in true colour, so that no shortcut for equal parts helps.
 std::vector<std::byte> Pack(Plane& plane, std::uint16_t nBitCount) {
     test::DibBuilder builder(plane.nSize, plane.nSize, nBitCount);
     if (nBitCount <= 8) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "analysis/LineDetector.h"
@@ -25,8 +26,8 @@ const char* SceneName(Scene scene) noexcept;
 /// The window that takes the dark parts of every scene.
 inline constexpr GreyWindow kDark{0, 127};
 
-/// A square picture of nSize pixels a side, in 1, 4 or 8 bits with a grey table or in 24 bits. The one made
-/// last is kept; a reference is good until the next call.
+/// A square picture of nSize pixels a side, in 1, 4 or 8 bits with a grey table or in 24 or 32 bits. The
+/// one made last is kept; a reference is good until the next call.
 const std::vector<std::byte>& Picture(Scene scene, std::int32_t nSize, std::uint16_t nBitCount);
 
 /// A path and the map that it lies in; the click that traces it is an image point on it.
