@@ -91,7 +91,7 @@ public:
           m_ridges{m_words.get(), m_nWords, m_nHeight},
           m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
           m_inner(static_cast<std::size_t>(m_nWords)),
-          m_ring(m_nWords),
+          m_reduction(m_ridges, m_plateaus),
           m_strips(8, m_nWidth),
           m_pMask(m_strips.At(0)),
           m_pScratch(m_strips.At(1)),
@@ -106,7 +106,7 @@ public:
         g_laps.Start();
         SweepDown();
         SweepUp();
-        fast::ReduceBlocks(m_ridges, m_plateaus, m_ring);
+        m_reduction.Run();
         g_laps.Lap(Pass::Blocks);
         FillCells();
         g_laps.Lap(Pass::Cells);
@@ -194,7 +194,7 @@ private:
     fast::BitRows m_ridges;
     fast::BitRows m_plateaus;
     std::vector<std::uint64_t> m_inner;
-    fast::BlockRing m_ring;
+    fast::BlockReduction m_reduction;
     fast::Strips m_strips;
     std::uint8_t* m_pMask;
     std::uint8_t* m_pScratch;

@@ -11,6 +11,7 @@
 #include "analysis/fast/BlockBits.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace width::fast {
 
@@ -95,31 +96,82 @@ void JoinMarks(const BitRows& ridges, const BitRows& plateaus, std::ptrdiff_t s,
 
 }  // namespace
 
-BlockRing::BlockRing(std::ptrdiff_t nWords) : m_nWords(nWords), m_words(static_cast<std::size_t>(3 * kRows * (nWords + 2))) {}
+BlockScans::BlockScans(std::ptrdiff_t nWords) : m_nWords(nWords), m_words(static_cast<std::size_t>(2 * kRows * (nWords + 2))) {}
 
-void ReduceBlocks(const BitRows& ridges, const BitRows& plateaus, BlockRing& ring) noexcept {
-    bool bCleared[2][BlockRing::kRows] = {};
-    const auto clear = [&](std::ptrdiff_t s, bool bSecondTime) {
-        bCleared[bSecondTime ? 1 : 0][s & (BlockRing::kRows - 1)] =
-            ClearBlocks(ring.Skeleton(s), ring.Skeleton(s + 1), ring.Cleared(s, bSecondTime), ring.Words());
-    };
-    const auto giveBack = [&](std::ptrdiff_t s, bool bSecondTime) {
-        if (bCleared[bSecondTime ? 1 : 0][s & (BlockRing::kRows - 1)]) {
-            std::uint64_t* const pRows[4] = {ring.Skeleton(s - 1), ring.Skeleton(s), ring.Skeleton(s + 1), ring.Skeleton(s + 2)};
-            GiveBack(ring.Cleared(s, bSecondTime), pRows, ring.Words());
+void BlockScans::Step(std::ptrdiff_t s) noexcept {
+    AnyCleared(s - 1) = ClearBlocks(Row(s - 1), Row(s), Cleared(s - 1), m_nWords);
+    if (AnyCleared(s - kLag)) {
+        std::uint64_t* const pRows[4] = {Row(s - kLag - 1), Row(s - kLag), Row(s - kLag + 1), Row(s - kLag + 2)};
+        GiveBack(Cleared(s - kLag), pRows, m_nWords);
+    }
+}
+
+BlockReduction::BlockReduction(const BitRows& ridges, const BitRows& plateaus)
+    : m_ridges(ridges), m_plateaus(plateaus), m_first(ridges.nWords), m_again(ridges.nWords) {}
+
+void BlockReduction::StepFirst(std::ptrdiff_t s) noexcept {
+    JoinMarks(m_ridges, m_plateaus, s, m_first.Row(s));
+    StepAndStore(m_first, s);
+}
+
+void BlockReduction::StepAgain(std::ptrdiff_t s) noexcept {
+    if (s < m_ridges.nHeight) {
+        std::copy_n(m_ridges.Row(s), m_ridges.nWords, m_again.Row(s));
+    } else {
+        std::fill_n(m_again.Row(s), m_ridges.nWords, std::uint64_t{0});
+    }
+    StepAndStore(m_again, s);
+}
+
+void BlockReduction::StepAndStore(BlockScans& scans, std::ptrdiff_t s) noexcept {
+    scans.Step(s);
+    if (s >= BlockScans::kLag) {
+        std::copy_n(scans.Row(s - BlockScans::kLag), m_ridges.nWords, m_ridges.Row(s - BlockScans::kLag));
+    }
+}
+
+void BlockReduction::Run() noexcept {
+    constexpr std::ptrdiff_t kBehind = BlockScans::kLag + 1;
+    for (std::ptrdiff_t s = 0; s < Steps() + kBehind; ++s) {
+        if (s < Steps()) {
+            StepFirst(s);
         }
-    };
-    // A scan looks one row back and two ahead, and changes its own row and the next one.
-    constexpr std::ptrdiff_t kLag = 7;
-    for (std::ptrdiff_t s = 0; s < ridges.nHeight + kLag; ++s) {
-        JoinMarks(ridges, plateaus, s, ring.Skeleton(s));
-        clear(s - 1, false);
-        giveBack(s - 3, false);
-        clear(s - 5, true);
-        giveBack(s - kLag, true);
-        if (s >= kLag) {
-            std::copy_n(ring.Skeleton(s - kLag), ring.Words(), ridges.Row(s - kLag));
+        if (s >= kBehind) {
+            StepAgain(s - kBehind);
         }
+    }
+}
+
+void BlockReduction::RunFirst() noexcept {
+    for (std::ptrdiff_t s = 0; s < Steps(); ++s) {
+        StepFirst(s);
+        m_rowsOfFirst.Tell(s, Steps());
+    }
+}
+
+void BlockReduction::RunAgain() noexcept {
+    for (std::ptrdiff_t s = 0; s < Steps(); ++s) {
+        m_rowsOfFirst.WaitFor(std::min(s + 1, m_ridges.nHeight));
+        StepAgain(s);
+        m_rowsDone.Tell(s, Steps());
+    }
+}
+
+void BlockReduction::WaitForRows(std::ptrdiff_t nRows) noexcept {
+    m_rowsDone.WaitFor(nRows);
+}
+
+// Telling costs the other thread's cache a line, so it is done only now and then.
+void BlockReduction::Progress::Tell(std::ptrdiff_t s, std::ptrdiff_t nSteps) noexcept {
+    constexpr std::ptrdiff_t kRowsAtATime = 32;
+    if (s % kRowsAtATime == 0 || s + 1 == nSteps) {
+        m_nRows.store(s + 1 - BlockScans::kLag, std::memory_order_release);
+    }
+}
+
+void BlockReduction::Progress::WaitFor(std::ptrdiff_t nRows) noexcept {
+    while (m_nRows.load(std::memory_order_acquire) < nRows) {
+        std::this_thread::yield();
     }
 }
 

@@ -5,12 +5,15 @@
 // the second sweep each band goes back from the seam to the edge; the passes that come over the seam go on from where the
 // other band left them, so that every row gets both halves, and the marks of ridges and plateaus follow a row or two
 // behind. Nothing is done twice, whoever does it: one thread takes a seam at the bottom edge, and one of the bands has no
-// rows. Marks are bits; block reduction turns them into the skeleton's bits, and these become cells.
+// rows. Marks are bits; block reduction turns them into the skeleton's bits, and these become cells. Block reduction goes
+// upwards only, so its two turns are what two threads share.
 //
 // Beyond the picture a run touches a byte a pixel for the result, two bits for marks, and a few rows.
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include "analysis/fast/FastSkeleton.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <memory>
 #include <thread>
@@ -20,8 +23,8 @@
 #include "analysis/fast/BlockBits.h"
 #include "analysis/fast/Foreground.h"
 #include "analysis/fast/HalfDistance.h"
-#include "analysis/fast/RunBoth.h"
 #include "analysis/fast/Strips.h"
+#include "analysis/fast/ThreadPair.h"
 
 namespace width::fast {
 
@@ -60,10 +63,11 @@ public:
           m_ridges{m_words.get(), m_nWords, m_nHeight},
           m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
           m_inner(static_cast<std::size_t>(m_nWords)),
-          m_ring(m_nWords),
+          m_reduction(m_ridges, m_plateaus),
           m_seamRows(kSeamRows, m_nWidth),
           m_lower(m_passes, m_nWidth),
-          m_upper(m_passes, m_nWidth) {
+          m_upper(m_passes, m_nWidth),
+          m_threads(m_nSeam > 0) {
         m_lower.nInner = m_nSeam - 1;
         m_lower.nOut = -1;
         m_lower.bEmpty = m_nSeam == 0;
@@ -82,9 +86,8 @@ public:
         if (!m_lower.bEmpty) {
             MarkSeam();
         }
-        ReduceBlocks(m_ridges, m_plateaus, m_ring);
         FillBorderRows();
-        Share([this](Band& band) { FillCells(band); });
+        ReduceAndFill();
         return std::move(m_map);
     }
 
@@ -95,7 +98,7 @@ private:
         if (m_lower.bEmpty) {
             return work(m_upper);
         }
-        RunBoth([&] { work(m_lower); }, [&] { work(m_upper); });
+        m_threads.RunBoth([&] { work(m_lower); }, [&] { work(m_upper); });
     }
 
     // Cells of a picture's row in the result, without the border's.
@@ -191,16 +194,44 @@ private:
         }
     }
 
-    // The cells of a band's rows from their bits, with the border's at both ends.
-    void FillCells(const Band& band) noexcept {
-        for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
+    // With two threads, whichever has nothing left to reduce fills the cells of rows that are done.
+    void ReduceAndFill() noexcept {
+        if (m_threads.AreTwo()) {
+            m_threads.RunBoth(
+                [this] {
+                    m_reduction.RunFirst();
+                    FillReducedRows();
+                },
+                [this] {
+                    m_reduction.RunAgain();
+                    FillReducedRows();
+                });
+        } else {
+            m_reduction.Run();
+            FillRows(0, m_nHeight);
+        }
+    }
+
+    void FillReducedRows() noexcept {
+        constexpr std::ptrdiff_t kRowsAtATime = 64;
+        for (;;) {
+            const std::ptrdiff_t nFirst = m_nRowsTaken.fetch_add(kRowsAtATime, std::memory_order_relaxed);
+            if (nFirst >= m_nHeight) {
+                return;
+            }
+            const std::ptrdiff_t nEnd = std::min(nFirst + kRowsAtATime, m_nHeight);
+            m_reduction.WaitForRows(nEnd);
+            FillRows(nFirst, nEnd);
+        }
+    }
+
+    // The cells of rows from their bits, with the border's at both ends.
+    void FillRows(std::ptrdiff_t nFirst, std::ptrdiff_t nEnd) noexcept {
+        for (std::ptrdiff_t s = nFirst; s < nEnd; ++s) {
             std::uint8_t* pCells = Cells(s);
             std::memset(pCells - SkeletonMap::kBorder, 0, SkeletonMap::kBorder);
             m_passes.expandBits(m_ridges.Row(s), m_nWidth, 1, pCells);
             std::memset(pCells + m_nWidth, 0, SkeletonMap::kBorder);
-            if (s == band.nOuter) {
-                break;
-            }
         }
     }
 
@@ -215,10 +246,12 @@ private:
     BitRows m_ridges;
     BitRows m_plateaus;
     std::vector<std::uint64_t> m_inner;
-    BlockRing m_ring;
+    BlockReduction m_reduction;
+    std::atomic<std::ptrdiff_t> m_nRowsTaken = 0;  // whose cells are filled or being filled
     Strips m_seamRows;
     Band m_lower;
     Band m_upper;
+    ThreadPair<> m_threads;  // ends before what it works on goes
 };
 
 }  // namespace

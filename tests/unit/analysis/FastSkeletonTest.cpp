@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
 
-#include "analysis/fast/RunBoth.h"
+#include "analysis/fast/ThreadPair.h"
 #include "tests/support/LiteralSkeleton.h"
 #include "tests/support/Pictures.h"
 
@@ -168,13 +169,36 @@ struct NoThread {
     static void join() {}
 };
 
-TEST(RunBoth, DoesBothWithAndWithoutAThread) {
+TEST(ThreadPair, DoesBothWithAndWithoutASecondThread) {
     int nFirst = 0;
     int nSecond = 0;
-    fast::RunBoth([&] { ++nFirst; }, [&] { ++nSecond; });
-    fast::RunBoth<NoThread>([&] { ++nFirst; }, [&] { ++nSecond; });
-    EXPECT_EQ(nFirst, 2);
-    EXPECT_EQ(nSecond, 2);
+    const auto runTwice = [&](auto pair) {
+        for (int i = 0; i < 2; ++i) {
+            pair->RunBoth([&] { ++nFirst; }, [&] { ++nSecond; });
+        }
+    };
+    runTwice(std::make_unique<fast::ThreadPair<>>(true));
+    runTwice(std::make_unique<fast::ThreadPair<>>(false));
+    runTwice(std::make_unique<fast::ThreadPair<NoThread>>(true));
+    EXPECT_EQ(nFirst, 6);
+    EXPECT_EQ(nSecond, 6);
+}
+
+// The second thread waits where the first is not as far, and the other way round.
+TEST(ThreadPair, WorkOfDifferentLengthIsWaitedFor) {
+    fast::ThreadPair<> pair(true);
+    std::vector<int> order(2000);
+    for (std::size_t i = 0; i < order.size(); i += 2) {
+        const auto spin = [&](std::size_t n, bool bLong) {
+            volatile int nTurns = bLong ? 2000 : 1;
+            while (nTurns > 0) {
+                nTurns = nTurns - 1;
+            }
+            order[n] = 1;
+        };
+        pair.RunBoth([&] { spin(i, i % 4 == 0); }, [&] { spin(i + 1, i % 4 != 0); });
+        ASSERT_TRUE(order[i] == 1 && order[i + 1] == 1) << i;
+    }
 }
 
 }  // namespace
