@@ -11,6 +11,7 @@ namespace width::fast {
 namespace {
 
 constexpr std::uint8_t kMaskInside = 255;
+constexpr std::ptrdiff_t kCacheLine = 64;
 
 // The bits of each byte of a word in opposite order.
 std::uint64_t ReverseBitsInBytes(std::uint64_t word) noexcept {
@@ -77,14 +78,20 @@ void ForegroundReader::ReadBits(const std::uint8_t* pRow, std::ptrdiff_t nAhead,
     const std::ptrdiff_t nWords = WordsFor(nWidth);
     const std::uint64_t ones = m_inside[1] != 0 ? ~std::uint64_t{0} : 0;
     const std::uint64_t zeros = m_inside[0] != 0 ? ~std::uint64_t{0} : 0;
-    for (std::ptrdiff_t w = 0; w < nWords; ++w) {
-        const std::ptrdiff_t nColumns = std::min(nWidth - w * kWordColumns, kWordColumns);
+    const auto inside = [&](std::uint64_t pixels) { return (pixels & ones) | (~pixels & zeros); };
+    const std::ptrdiff_t nFull = nWidth / kWordColumns;
+    for (std::ptrdiff_t w = 0; w < nFull; ++w) {
         std::uint64_t pixels = 0;
-        std::memcpy(&pixels, pRow + 8 * w, static_cast<std::size_t>((nColumns + 7) / 8));
-        __builtin_prefetch(pRow + 8 * w + nAhead);
-        pixels = ReverseBitsInBytes(pixels);
-        const std::uint64_t word = (pixels & ones) | (~pixels & zeros);
-        pBits[w] = nColumns < kWordColumns ? word & ((std::uint64_t{1} << nColumns) - 1) : word;
+        std::memcpy(&pixels, pRow + 8 * w, sizeof pixels);
+        pBits[w] = inside(ReverseBitsInBytes(pixels));
+    }
+    for (std::ptrdiff_t i = 0; i < 8 * nFull; i += kCacheLine) {
+        __builtin_prefetch(pRow + i + nAhead);
+    }
+    if (const std::ptrdiff_t nRest = nWidth - nFull * kWordColumns; nRest > 0) {
+        std::uint64_t pixels = 0;
+        std::memcpy(&pixels, pRow + 8 * nFull, static_cast<std::size_t>((nRest + 7) / 8));
+        pBits[nFull] = inside(ReverseBitsInBytes(pixels)) & ((std::uint64_t{1} << nRest) - 1);
     }
     m_passes.expandBits(pBits, nWords * kWordColumns, kMaskInside, pMask);
 }
