@@ -2,6 +2,7 @@
 #include "bench/PictureCases.h"
 
 #include <cstring>
+#include <thread>
 
 #include "analysis/GreyLevels.h"
 #include "analysis/fast/FastSkeleton.h"
@@ -38,6 +39,13 @@ void CopyRows(const DibView& dib) {
     std::memcpy(s_copy.data(), dib.Row(0).data(), nBytes);
 }
 
+// Two skeletons that have nothing to do with each other: what a second thread can give at most on this machine.
+void MakeTwoAtATime(const DibView& dib, InstructionSet set) {
+    std::thread other([&] { fast::MakeSkeleton(dib, kDark, set, 1); });
+    fast::MakeSkeleton(dib, kDark, set, 1);
+    other.join();
+}
+
 void AddSkeleton(std::vector<PictureCase>& cases, const PictureCase& picture, bool bAllSets) {
     const auto add = [&](const std::string& variant, auto run) -> PictureCase& {
         PictureCase& added = cases.emplace_back(picture);
@@ -53,6 +61,7 @@ void AddSkeleton(std::vector<PictureCase>& cases, const PictureCase& picture, bo
     }
     if (picture.nSize >= kWorthTwoThreads) {
         add("two threads", [best](const DibView& dib) { fast::MakeSkeleton(dib, kDark, best, 2); }).bTwoThreads = true;
+        add("two at a time", [best](const DibView& dib) { MakeTwoAtATime(dib, best); }).bTwoThreads = true;
     }
     add("literal", [](const DibView& dib) { test::LiteralSkeleton(dib, kDark); }).bLiteral = true;
 }

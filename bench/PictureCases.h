@@ -19,7 +19,7 @@ struct PictureCase {
     std::uint16_t nBitCount = 0;
     std::function<void(const DibView&)> run;
     bool bLiteral = false;     ///< slow: a few runs will do
-    bool bTwoThreads = false;  ///< to be timed by the clock on the wall
+    bool bTwoThreads = false;  ///< two are at work: to be timed by the clock on the wall
 };
 
 /// Name of a case but for its variant, as in "skeleton 8 bit/line art/4096 x 4096".
