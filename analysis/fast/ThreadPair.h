@@ -2,7 +2,8 @@
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -47,40 +48,50 @@ public:
             g();
             return;
         }
-        const int nGiven = Give([](void* pWork) { (*static_cast<F*>(pWork))(); }, &f);
+        Give([](void* pWork) { (*static_cast<F*>(pWork))(); }, &f);
         g();
-        for (int nDone = m_nDone.load(std::memory_order_acquire); nDone != nGiven;
-             nDone = m_nDone.load(std::memory_order_acquire)) {
-            m_nDone.wait(nDone, std::memory_order_acquire);
-        }
+        WaitFor(Turn::First);
     }
 
 private:
-    int Give(void (*pfnCall)(void*), void* pWork) noexcept {
+    // Whose turn it is: this thread's, to give more work, or the second one's, to do what it was given.
+    enum class Turn { First, Second };
+
+    void Give(void (*pfnCall)(void*), void* pWork) noexcept {
         m_pfnCall = pfnCall;
         m_pWork = pWork;
-        const int nGiven = m_nGiven.load(std::memory_order_relaxed) + 1;
-        m_nGiven.store(nGiven, std::memory_order_release);
-        m_nGiven.notify_one();
-        return nGiven;
+        Pass(Turn::Second);
     }
 
     void Serve() noexcept {
-        for (int nServed = 0;; ++nServed) {
-            m_nGiven.wait(nServed, std::memory_order_acquire);
+        for (;;) {
+            WaitFor(Turn::Second);
             if (m_pfnCall == nullptr) {
                 return;
             }
             m_pfnCall(m_pWork);
-            m_nDone.store(nServed + 1, std::memory_order_release);
-            m_nDone.notify_one();
+            Pass(Turn::First);
         }
+    }
+
+    void Pass(Turn turn) noexcept {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_turn = turn;
+        }
+        m_passed.notify_one();
+    }
+
+    void WaitFor(Turn turn) noexcept {
+        std::unique_lock lock(m_mutex);
+        m_passed.wait(lock, [&] { return m_turn == turn; });
     }
 
     void (*m_pfnCall)(void*) = nullptr;
     void* m_pWork = nullptr;
-    std::atomic<int> m_nGiven = 0;
-    std::atomic<int> m_nDone = 0;
+    Turn m_turn = Turn::First;
+    std::mutex m_mutex;
+    std::condition_variable m_passed;
     Thread m_second;  // begins when all the rest is there
 };
 
