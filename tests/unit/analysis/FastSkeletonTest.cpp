@@ -78,7 +78,7 @@ TEST(FastSkeleton, RandomPicturesOfEveryDepth) {
         const auto w = 1 + test::Below(random, i % 8 == 0 ? 150 : 40);
         const auto h = 1 + test::Below(random, 45);
         ExpectLiteral(test::RandomDib(random, w, h, AnyDepth(random), static_cast<test::Texture>(random() % 4)),
-                      i % 10 == 0 ? 2 : 1);
+                      i % 3 == 0 ? 2 : 1);
         ASSERT_FALSE(testing::Test::HasFatalFailure()) << i;
     }
 }
