@@ -2,6 +2,7 @@
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <new>
@@ -77,19 +78,27 @@ private:
     void Pass(Turn turn) noexcept {
         {
             const std::lock_guard lock(m_mutex);
-            m_turn = turn;
+            m_turn.store(turn, std::memory_order_release);
         }
         m_passed.notify_one();
     }
 
+    // Falling asleep and being woken may take longer than the other thread still needs.
     void WaitFor(Turn turn) noexcept {
-        std::unique_lock lock(m_mutex);
-        m_passed.wait(lock, [&] { return m_turn == turn; });
+        constexpr int kTries = 300;
+        const auto isTurn = [&] { return m_turn.load(std::memory_order_acquire) == turn; };
+        for (int i = 0; i < kTries && !isTurn(); ++i) {
+            std::this_thread::yield();
+        }
+        if (!isTurn()) {
+            std::unique_lock lock(m_mutex);
+            m_passed.wait(lock, isTurn);
+        }
     }
 
     void (*m_pfnCall)(void*) = nullptr;
     void* m_pWork = nullptr;
-    Turn m_turn = Turn::First;
+    std::atomic<Turn> m_turn = Turn::First;
     std::mutex m_mutex;
     std::condition_variable m_passed;
     Thread m_second;  // begins when all the rest is there
