@@ -11,7 +11,8 @@
 
 namespace width::fast {
 
-/// This thread and one more, which lives as long as the object and sleeps while it has nothing to do.
+/// This thread and one more, which lives as long as the object and sleeps while it has nothing to do. A condition variable
+/// wakes it: waiting on an atomic, which would be simpler, never ends with the library that the Windows build has.
 template <class Thread = std::thread>
 class ThreadPair {
 public:
