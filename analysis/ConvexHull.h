@@ -13,7 +13,8 @@ inline bool IsLeftOf(const PathPoint& p, const PathPoint& q) noexcept {
     return p.x != q.x ? p.x < q.x : p.y < q.y;
 }
 
-/// Removes all pixels but the corners of their convex hull, once each. Coordinates from 0 to 2^30. Throws std::bad_alloc.
+/// Removes all pixels but the corners of their convex hull. A corner that stands several times in the list stays once or
+/// twice. Coordinates from 0 to 2^30. Throws std::bad_alloc.
 void KeepHullCorners(std::vector<PathPoint>& sorted);
 
 }  // namespace width

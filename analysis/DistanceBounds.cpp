@@ -1,5 +1,5 @@
-// Hull corners are compared with the line in double precision. What single precision makes of a pixel's distance differs
-// from the true value by less than m_error, so that much is added.
+// Hull corners are compared with the line in double precision. The numerator of a pixel's distance in single precision
+// differs from the true one by less than m_error, so that much is added; the quotient is rounded up.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/DistanceBounds.h"
 
@@ -42,8 +42,8 @@ std::span<const PathPoint> DistanceBounds::Corners(PathBoxes::Node node) const n
     return std::span(level.corners).subspan(nFirst, level.ends[node.nPlace] - nFirst);
 }
 
-// Two products, two sums and a quotient, each rounded to 24 bits, and the products are the largest of them: eight such
-// errors are more than all of these together.
+// Two coordinates that become floats, two products and two sums, each rounded to 24 bits and none larger than the three terms
+// together: eight such errors are more than all of these.
 DistanceBounds::Of::Of(const DistanceBounds& bounds, const PathLine& line) noexcept : m_bounds(bounds), m_line(line) {
     constexpr double kEightRoundings = 8.0 / (1 << 24);
     const PathBox& all = bounds.m_boxes.Box(bounds.m_boxes.Root());

@@ -20,9 +20,10 @@ public:
 
     const PathBoxes& Boxes() const noexcept { return m_boxes; }
 
-    /// Of the distances from one line. The line must be one (PathLine::IsLine).
+    /// Of the distances from one line.
     class Of {
     public:
+        /// line  must be one (PathLine::IsLine). It and the bounds must outlive the object.
         Of(const DistanceBounds& bounds, const PathLine& line) noexcept;
 
         /// No pixel of the node has a larger, or a smaller, line.Distance.

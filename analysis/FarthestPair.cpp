@@ -119,10 +119,22 @@ private:
         PathBoxes::Node b;
     };
 
-    // The squares that wrap: no integer from nLow to nHigh has a larger one, on 32 bits.
+    // No integer from nLow to nHigh has a larger square, on 32 bits. Between two wraps squares rise, so the largest one is
+    // that of nHigh or of an integer just before a wrap. Of ranges with many wraps only the largest number is known.
     static std::int64_t LargestWrappedSquare(std::int64_t nLow, std::int64_t nHigh) noexcept {
-        const auto turns = [](std::int64_t n) { return (n * n + (std::int64_t{1} << 31)) >> 32; };
-        return turns(nLow) == turns(nHigh) ? nHigh * nHigh - (turns(nHigh) << 32) : std::numeric_limits<std::int32_t>::max();
+        constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
+        constexpr std::int64_t kMostWraps = 4;
+        const auto wraps = [](std::int64_t n) { return (n * n + kMax + 1) >> 32; };
+        if (wraps(nHigh) - wraps(nLow) > kMostWraps) {
+            return kMax;
+        }
+        std::int64_t nLargest = nHigh * nHigh - (wraps(nHigh) << 32);
+        for (std::int64_t k = wraps(nLow); k < wraps(nHigh); ++k) {
+            auto n = static_cast<std::int64_t>(std::sqrt(static_cast<double>((k << 32) + kMax)));
+            n -= wraps(n) > k ? 1 : 0;
+            nLargest = std::max(nLargest, n * n - (k << 32));
+        }
+        return nLargest;
     }
 
     // By EdgeLength's own steps, each of which rises with the differences. Negative where no pair's is a number.
@@ -167,10 +179,11 @@ private:
             add(*upper, *upper);
         }
         // The farthest ones first: what they give rules out most of the others.
-        std::stable_sort(pairs.begin(), pairs.begin() + static_cast<std::ptrdiff_t>(nPairs),
-                         [](const NodePair& p, const NodePair& q) { return p.fBound > q.fBound; });
-        for (std::size_t i = 0; i < nPairs; ++i) {
-            Compare(pairs[i]);
+        const auto end = pairs.begin() + static_cast<std::ptrdiff_t>(nPairs);
+        for (auto next = pairs.begin(); next != end; ++next) {
+            std::iter_swap(next,
+                           std::max_element(next, end, [](const NodePair& p, const NodePair& q) { return p.fBound < q.fBound; }));
+            Compare(*next);
         }
     }
 

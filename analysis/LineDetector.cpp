@@ -3,7 +3,7 @@
 // A chain is a list of positions in m_Path, always in rising order; a stretch is a part of m_Path
 // without gaps. Positions are carried along and never looked for, except that a pixel that stands
 // several times in the path counts as its first occurrence.
-// Tested by: tests/unit/analysis/LineDetectorTest.cpp
+// Tested by: tests/unit/analysis/LineDetectorTest.cpp, LineSearchTest.cpp
 #include "analysis/LineDetector.h"
 
 #include <algorithm>
@@ -37,15 +37,15 @@ std::int32_t FirstOccurrence(const PathBoxes& boxes, std::int32_t nPosition) {
 bool IsStretchStraight(const DistanceBounds& bounds, std::size_t nFirst, std::size_t nLast) {
     const std::span<const PathPoint> path = bounds.Boxes().Path();
     const PathLine chord(path[nFirst], path[nLast]);
+    if (nLast - nFirst + 1 < kShortestStretch || !chord.IsLine()) {
+        return nLast - nFirst + 1 >= kShortestStretch;  // from a pixel to itself no distance is a number, and none too large
+    }
     const DistanceBounds::Of distances(bounds, chord);
     const auto mayLeave = [&](PathBoxes::Node node) {
         return distances.Largest(node) > kPixelToChord || distances.Smallest(node) < -kPixelToChord;
     };
     const auto leaves = [&](const PathPoint& pt) { return std::fabs(chord.Distance(pt.x, pt.y)) > kPixelToChord; };
-    if (nLast - nFirst + 1 < kShortestStretch) {
-        return false;
-    }
-    return !chord.IsLine() || !bounds.Boxes().FindFirst({nFirst + 1, nLast}, mayLeave, leaves);
+    return !bounds.Boxes().FindFirst({nFirst + 1, nLast}, mayLeave, leaves);
 }
 
 }  // namespace
@@ -76,15 +76,12 @@ std::int32_t LineDetector::IsSeedNearEdge(const PathPoint& p, const PathPoint& q
     return std::fabs(PathLine(p, q).Distance(m_ptSeed.x, m_ptSeed.y)) <= kSeedToEdge ? 1 : 0;
 }
 
-std::int32_t LineDetector::IsChainStraight(std::span<const PathPoint> stretch) noexcept {
+std::int32_t LineDetector::IsChainStraight(std::span<const PathPoint> stretch) {
     if (stretch.size() < kShortestStretch) {
         return 0;
     }
-    const PathLine chord(stretch.front(), stretch.back());
-    return std::ranges::any_of(stretch.subspan(1),
-                               [&](const PathPoint& pt) { return std::fabs(chord.Distance(pt.x, pt.y)) > kPixelToChord; })
-               ? 0
-               : 1;
+    const PathBoxes boxes(stretch);
+    return IsStretchStraight(DistanceBounds(boxes), 0, stretch.size() - 1) ? 1 : 0;
 }
 
 // A ring is cut at the two pixels farthest apart; the arc with the seed stays, and the part of it

@@ -25,6 +25,8 @@
 
 namespace width {
 
+class DistanceBounds;
+
 /// One pixel of a path, in path coordinates.
 struct PathPoint {
     std::int32_t nIndex = 0;  ///< 0 at the seed, rising forwards, falling backwards
@@ -47,8 +49,6 @@ std::int32_t CrossingNumber(const SkeletonMap& map, MapCell cell) noexcept;
 /// The first skeleton neighbour of a cell, straight ones before diagonal ones (up, left, down,
 /// right, then up right, up left, down left, down right), that is neither excluded cell; or none.
 std::optional<MapCell> NextPixel(const SkeletonMap& map, MapCell cell, MapCell excluded1, MapCell excluded2) noexcept;
-
-class DistanceBounds;
 
 class LineDetector {
 public:
@@ -86,7 +86,8 @@ public:
     static std::int32_t PruneToHull(std::span<const PathPoint> path, std::vector<std::int32_t>& chain, std::int32_t nSide);
 
     /// The two pixels that lie farthest apart by the single-precision distance; of several equal
-    /// pairs the first in list order. Positions go to i and j, i < j.
+    /// pairs the first in list order. Positions go to i and j, i < j; both stay as they were where no
+    /// distance is above 0. Coordinates from 0 to 2^30. Throws std::bad_alloc only.
     /// returns  0 for an empty list, else 1
     static std::int32_t FindFarthestPair(std::span<const PathPoint> path, std::int32_t& i, std::int32_t& j);
 
@@ -97,8 +98,8 @@ public:
     std::int32_t IsSeedNearEdge(const PathPoint& p, const PathPoint& q) const noexcept;
 
     /// Whether a stretch has three or more pixels, none farther than 2.0 pixels from the line
-    /// through its head and tail.
-    static std::int32_t IsChainStraight(std::span<const PathPoint> stretch) noexcept;
+    /// through its head and tail. Throws std::bad_alloc only.
+    static std::int32_t IsChainStraight(std::span<const PathPoint> stretch);
 
     /// Shortens the path from its ends until it lies in a strip narrower than fRectWidth, then
     /// fits a line. Returns as SearchLine; 0 for an empty path. Throws std::bad_alloc only.

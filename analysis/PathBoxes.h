@@ -39,7 +39,7 @@ public:
         friend bool operator==(const Node&, const Node&) = default;
     };
 
-    /// Positions of pixels, both included.
+    /// Positions of pixels in the path, both included, the first not behind the last.
     struct Range {
         std::size_t nFirst = 0;
         std::size_t nLast = 0;
@@ -52,10 +52,16 @@ public:
         std::size_t nPosition = 0;
     };
 
+    /// The path of the constructor.
     std::span<const PathPoint> Path() const noexcept { return m_path; }
+
+    /// The node of all pixels, alone on the highest level.
     Node Root() const noexcept { return {m_levels.size() - 1, 0}; }
+
+    /// The smallest box that holds a node's pixels.
     const PathBox& Box(Node node) const noexcept { return m_levels[node.nLevel][node.nPlace]; }
 
+    /// Nodes on a level up to the root's.
     std::size_t Count(std::size_t nLevel) const noexcept { return m_levels[nLevel].size(); }
 
     /// Pixels of a box.

@@ -1,6 +1,7 @@
 // Why forward stretches prune to their convex hull: seen along the direction that none of their steps goes against, each
-// pixel lies ahead of those before it or level with them, and level pixels follow each other in a row. The scan then never
-// meets a pixel behind its last corners, and keeps what every scan of sorted points keeps. A turn that wraps would spoil
+// pixel lies ahead of those before it or level with them, and level pixels follow each other in a row that runs one way,
+// since no step goes straight back. The scan then never meets a pixel behind its last corners, and keeps what every scan of
+// sorted points keeps. A turn that wraps would spoil
 // that, so the way is taken only where none can.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/StretchHull.h"

@@ -1,11 +1,11 @@
 // One-sided hulls of many stretches of one path. Internal to the analysis.
 //
 // A search that narrows step by step asks for hundreds or thousands of them, each a little shorter than the one before it.
-// Where the path goes forward, that is, where no two of its steps differ by more than a half turn, the pruning gives the
-// corners of the true convex hull from the stretch's head to its tail, on the kept side. Then the hulls on both sides of a
-// pixel in the middle, found once, do for all stretches round it: a stretch's hull has its corners among theirs, and pruning
-// those few gives the same as pruning all. Elsewhere the stretch is pruned pixel by pixel.
-// Tested by: tests/unit/analysis/LineSearchTest.cpp (against the pruning of whole stretches)
+// Where the path goes forward, that is, where all its steps lie within one half turn and none goes straight back on the one
+// before it, the pruning gives the corners of the true convex hull from the stretch's head to its tail, on the kept side. Then
+// the hulls on both sides of a pixel in the middle, found once, do for all stretches round it: a stretch's hull has its corners
+// among theirs, and pruning those few gives the same as pruning all. Elsewhere the stretch is pruned pixel by pixel. Tested by:
+// tests/unit/analysis/LineSearchTest.cpp (against the pruning of whole stretches)
 #pragma once
 
 #include <array>

@@ -119,7 +119,7 @@ private:
     }
 
     // Each band's second sweep goes on from the other's first. Where nothing wraps, the smaller of two passes is enough.
-    void ExchangeStates(bool bMayWrap) {
+    void ExchangeStates(bool bMayWrap) noexcept {
         if (bMayWrap) {
             m_lower.half.SwapWith(m_upper.half);
             return;

@@ -13,7 +13,9 @@ namespace width::fast {
 
 /// This thread and one more, which lives as long as the object and sleeps while it has nothing to do. A condition variable
 /// wakes it: waiting on an atomic, which would be simpler, never ends with the library that the Windows build has.
-template <class Thread = std::thread>
+/// kTries  how often a thread looks whether the other is done before it falls asleep; falling asleep and being woken may take
+///         longer than the other still needs
+template <class Thread = std::thread, int kTries = 300>
 class ThreadPair {
 public:
     /// bTwo  false: there is this thread only. So it is when there is no thread to be had.
@@ -84,9 +86,7 @@ private:
         m_passed.notify_one();
     }
 
-    // Falling asleep and being woken may take longer than the other thread still needs.
     void WaitFor(Turn turn) noexcept {
-        constexpr int kTries = 300;
         const auto isTurn = [&] { return m_turn.load(std::memory_order_acquire) == turn; };
         for (int i = 0; i < kTries && !isTurn(); ++i) {
             std::this_thread::yield();

@@ -90,7 +90,10 @@ LiteralLine Trim(Chain chain, const LineConditions& conditions, int nTrips) {
                 nSmallest = i;
             }
         }
-        if (LineDetector(conditions).IsChordLongEnough(chain) == 0) {
+        const std::int32_t dx = WrapSub(tail.x, head.x);
+        const std::int32_t dy = WrapSub(tail.y, head.y);
+        const float fChord = std::sqrt(static_cast<float>(WrapAdd(WrapMul(dx, dx), WrapMul(dy, dy))));
+        if (!(fChord >= static_cast<float>(conditions.nMinLineLength))) {
             return {false, {}, {}, FitAxis::HullEdge, nTrips};
         }
         if (conditions.fRectWidth > std::fabs(fLargest - fSmallest)) {
@@ -137,7 +140,7 @@ LiteralLine LiteralSearch(std::vector<PathPoint> path, bool bClosed, POINT seed,
         }
         const PathPoint p = edge[0];
         const PathPoint q = edge[1];
-        if (Length(p, q) < static_cast<float>(conditions.nMinLineLength)) {
+        if (!(Length(p, q) >= static_cast<float>(conditions.nMinLineLength))) {
             return giveUp(nTrips);
         }
         const std::ptrdiff_t nFrom = FirstPosition(path, p);

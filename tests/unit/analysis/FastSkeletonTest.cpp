@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <thread>
 
 #include "analysis/fast/ThreadPair.h"
 #include "tests/support/LiteralSkeleton.h"
@@ -184,20 +187,29 @@ TEST(ThreadPair, DoesBothWithAndWithoutASecondThread) {
     EXPECT_EQ(nSecond, 6);
 }
 
-// The second thread waits where the first is not as far, and the other way round.
+// Either thread waits, in its sleep or before it, where the other is not as far.
 TEST(ThreadPair, WorkOfDifferentLengthIsWaitedFor) {
-    fast::ThreadPair<> pair(true);
-    std::vector<int> order(2000);
-    for (std::size_t i = 0; i < order.size(); i += 2) {
-        const auto spin = [&](std::size_t n, bool bLong) {
-            volatile int nTurns = bLong ? 2000 : 1;
-            while (nTurns > 0) {
-                nTurns = nTurns - 1;
-            }
-            order[n] = 1;
+    fast::ThreadPair<std::thread, 0> sleepy(true);
+    fast::ThreadPair<> wakeful(true);
+    for (int i = 0; i < 40; ++i) {
+        int nDone = 0;
+        std::atomic<int> nDoneBySecond = 0;
+        const auto rest = [](bool bLong) { std::this_thread::sleep_for(std::chrono::milliseconds(bLong ? 2 : 0)); };
+        const auto work = [&](auto& pair) {
+            pair.RunBoth(
+                [&] {
+                    rest(i % 2 == 0);
+                    ++nDoneBySecond;
+                },
+                [&] {
+                    rest(i % 2 != 0);
+                    ++nDone;
+                });
         };
-        pair.RunBoth([&] { spin(i, i % 4 == 0); }, [&] { spin(i + 1, i % 4 != 0); });
-        ASSERT_TRUE(order[i] == 1 && order[i + 1] == 1) << i;
+        work(sleepy);
+        work(wakeful);
+        ASSERT_TRUE(nDone == 2 && nDoneBySecond == 2) << i;
+        rest(i % 3 == 0);
     }
 }
 

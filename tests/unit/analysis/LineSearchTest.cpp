@@ -1,6 +1,7 @@
 // The search for the line, and what makes it quick, against the literal search that looks at every pixel every time.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <numbers>
@@ -165,9 +166,27 @@ TEST(SearchLine, EqualsTheLiteralSearchWhereNumbersWrap) {
     const Path path = Walk(100'000, [](std::int32_t i) { return Step{1, i % 50'000 == 49'999 ? 0 : i / 40 % 2 == 0 ? 1 : -1}; });
     const Drawn drawn(path, 5);
     int nMostTrips = 0;
-    for (const std::size_t nClick : {3UL, 22'015UL, 40'000UL, 51'009UL, 60'013UL, 75'030UL}) {
+    for (const std::size_t nClick : std::array<std::size_t, 6>{3, 22'015, 40'000, 51'009, 60'013, 75'030}) {
         EXPECT_TRUE(ClickGivesTheSame(drawn.map, drawn.At(path[nClick]), LineConditions{}, nMostTrips)) << nClick;
     }
+}
+
+// The square of a height from 46,341 to 65,535 wraps to a negative number, its root is no length, and a line is not long
+// enough then. Heights beyond that have lengths again.
+TEST(SearchLine, EqualsTheLiteralSearchOnTallLines) {
+    int nMostTrips = 0;
+    int nFound = 0;
+    for (const std::int32_t nHeight : {46'000, 50'000, 60'000, 70'000}) {
+        for (const std::int32_t nSlant : {100'000, 900, 60}) {
+            const Path path = Walk(nHeight, [&](std::int32_t i) { return Step{i % nSlant == nSlant - 1 ? 1 : 0, 1}; });
+            const Drawn drawn(path, 5);
+            const POINT ptClick = drawn.At(path[path.size() / 2 + 7]);
+            EXPECT_TRUE(ClickGivesTheSame(drawn.map, ptClick, LineConditions{}, nMostTrips)) << nHeight;
+            LineDetector detector(LineConditions{});
+            nFound += detector.TraceFromPoint(drawn.map, ptClick) != 0 && detector.SearchLine() != 0 ? 1 : 0;
+        }
+    }
+    EXPECT_TRUE(nFound > 0 && nFound < 12) << nFound;
 }
 
 // However loose the bounds are, and whichever half is looked at first: the first of the largest values counts.
@@ -205,16 +224,12 @@ TEST(DistanceBounds, NoPixelIsFartherThanItsNodesBound) {
         const DistanceBounds bounds(boxes);
         const PathLine line(path[random() % 100], path[300 + random() % 100]);
         const DistanceBounds::Of distances(bounds, line);
-        for (PathBoxes::Node node = boxes.Root();; node = PathBoxes::Lower(node)) {
-            const PathBoxes::Range range = boxes.Pixels(node);
-            for (std::size_t n = range.nFirst; n <= range.nLast; ++n) {
-                const float fDistance = line.Distance(path[n].x, path[n].y);
-                ASSERT_LE(fDistance, distances.Largest(node));
-                ASSERT_GE(fDistance, distances.Smallest(node));
-                fTightest = std::min(fTightest, distances.Largest(node) - fDistance);
-            }
-            if (node.nLevel == 0) {
-                break;
+        for (std::size_t n = 0; n < path.size(); ++n) {
+            const float fDistance = line.Distance(path[n].x, path[n].y);
+            for (std::size_t nLevel = 0, nPlace = n / 8; nLevel <= boxes.Root().nLevel; ++nLevel, nPlace /= 2) {
+                ASSERT_LE(fDistance, distances.Largest({nLevel, nPlace}));
+                ASSERT_GE(fDistance, distances.Smallest({nLevel, nPlace}));
+                fTightest = std::min(fTightest, distances.Largest({nLevel, nPlace}) - fDistance);
             }
         }
     }
@@ -290,12 +305,13 @@ TEST(FindFarthestPair, EqualsComparingAllPairs) {
         const double fRadius = 3 + test::Below(random, 200);
         ExpectLiteralPair(Ellipse(fRadius, fRadius - test::Below(random, 3)));
     }
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 20'000; ++i) {
         Path cloud;
-        for (std::int32_t n = test::Below(random, 60); n >= 0; --n) {
-            cloud.push_back({0, test::Below(random, 1 + i / 10), test::Below(random, 1 + i / 10)});
+        for (std::int32_t n = test::Below(random, 120); n >= 0; --n) {
+            cloud.push_back({0, test::Below(random, 1 + i % 40), test::Below(random, 1 + i % 40)});
         }
         ExpectLiteralPair(cloud);
+        ASSERT_FALSE(testing::Test::HasFatalFailure()) << i;
     }
     ExpectLiteralPair({});
     ExpectLiteralPair(Path(20, {0, 7, 7}));
