@@ -37,8 +37,11 @@ std::int32_t FirstOccurrence(const PathBoxes& boxes, std::int32_t nPosition) {
 bool IsStretchStraight(const DistanceBounds& bounds, std::size_t nFirst, std::size_t nLast) {
     const std::span<const PathPoint> path = bounds.Boxes().Path();
     const PathLine chord(path[nFirst], path[nLast]);
-    if (nLast - nFirst + 1 < kShortestStretch || !chord.IsLine()) {
-        return nLast - nFirst + 1 >= kShortestStretch;  // from a pixel to itself no distance is a number, and none too large
+    if (nLast - nFirst + 1 < kShortestStretch) {
+        return false;
+    }
+    if (!chord.IsLine()) {
+        return true;  // from a pixel to itself: no distance is a number, so none is too large
     }
     const DistanceBounds::Of distances(bounds, chord);
     const auto mayLeave = [&](PathBoxes::Node node) {
@@ -54,17 +57,9 @@ std::int32_t LineDetector::PruneToHull(std::span<const PathPoint> path, std::vec
     if (chain.size() < 2) {
         return 0;
     }
-    const auto at = [&](std::size_t i) -> const PathPoint& { return path[static_cast<std::size_t>(chain[i])]; };
-    // Kept pixels stand in front, in [0, nKept): the last two are a and b, chain[i] is c. Only the
-    // pixel behind the head has no a to fall back to, and then c takes its place.
-    std::size_t nKept = 2;
-    for (std::size_t i = 2; i < chain.size(); ++i) {
-        while (nKept >= 2 && Turn(at(nKept - 2), at(nKept - 1), at(i), nSide) <= 0) {
-            --nKept;
-        }
-        chain[nKept++] = chain[i];
-    }
-    chain.resize(nKept);
+    const std::vector<std::int32_t> whole = chain;
+    PruneInto(
+        path, whole.size(), [&](std::size_t i) { return whole[i]; }, nSide, chain);
     return 1;
 }
 

@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "core/Arithmetic.h"
-
 namespace width {
 
 namespace {
@@ -92,11 +90,7 @@ bool TurnsFit(std::span<const PathPoint> path) noexcept {
 
 }  // namespace
 
-std::int32_t Turn(const PathPoint& a, const PathPoint& b, const PathPoint& c, std::int32_t nSide) noexcept {
-    return WrapMul(WrapSub(WrapMul(WrapSub(b.y, a.y), WrapSub(c.x, b.x)), WrapMul(WrapSub(b.x, a.x), WrapSub(c.y, b.y))), nSide);
-}
-
-StretchHull::StretchHull(std::span<const PathPoint> path, std::int32_t nMiddle) : m_path(path), m_nSeed(nMiddle) {
+StretchHull::StretchHull(std::span<const PathPoint> path, std::int32_t nMiddle) : m_path(path), m_nUsualMiddle(nMiddle) {
     if (TurnsFit(path)) {
         m_forwardTo = ForwardTo(path);
     } else {
@@ -106,72 +100,58 @@ StretchHull::StretchHull(std::span<const PathPoint> path, std::int32_t nMiddle) 
 
 const std::vector<std::int32_t>& StretchHull::Corners(std::int32_t nFirst, std::int32_t nLast, std::int32_t nSide) {
     if (m_forwardTo[static_cast<std::size_t>(nFirst)] < nLast || nLast - nFirst < 2) {
-        PruneStretch(nFirst, nLast, nSide);
-        return m_chain;
+        const auto nPixels = static_cast<std::size_t>(nLast - nFirst) + 1;
+        PruneInto(
+            m_path, nPixels, [nFirst](std::size_t i) { return nFirst + static_cast<std::int32_t>(i); }, nSide, m_corners);
+    } else {
+        CollectCorners(nFirst, nLast, nSide);
+        PruneInto(
+            m_path, m_collected.size(), [this](std::size_t i) { return m_collected[i]; }, nSide, m_corners);
     }
+    return m_corners;
+}
+
+// The corners of the hulls from either end to the middle: all that can be corners of the stretch's own.
+void StretchHull::CollectCorners(std::int32_t nFirst, std::int32_t nLast, std::int32_t nSide) {
     if (!Covers(nFirst, nLast)) {
         Cover(nFirst, nLast);
     }
     const std::vector<std::int32_t>& inwards = m_inwards[nSide > 0 ? 0 : 1];
     const auto addUpToMiddle = [&](std::int32_t i) {
         for (; i != m_nMiddle; i = inwards[static_cast<std::size_t>(i)]) {
-            m_chain.push_back(i);
+            m_collected.push_back(i);
         }
     };
-    m_chain.clear();
+    m_collected.clear();
     addUpToMiddle(nFirst);
-    m_chain.push_back(m_nMiddle);
-    const auto nBehindMiddle = static_cast<std::ptrdiff_t>(m_chain.size());
+    m_collected.push_back(m_nMiddle);
+    const auto nBehindMiddle = static_cast<std::ptrdiff_t>(m_collected.size());
     addUpToMiddle(nLast);
-    std::reverse(m_chain.begin() + nBehindMiddle, m_chain.end());
-    LineDetector::PruneToHull(m_path, m_chain, nSide);
-    return m_chain;
-}
-
-// As LineDetector::PruneToHull. The last two corners are at hand without a look into the path.
-void StretchHull::PruneStretch(std::int32_t nFirst, std::int32_t nLast, std::int32_t nSide) {
-    m_chain.resize(static_cast<std::size_t>(nLast - nFirst) + 1);
-    m_chain[0] = nFirst;
-    m_chain[1] = nFirst + 1;
-    std::size_t nKept = 2;
-    PathPoint a = m_path[static_cast<std::size_t>(nFirst)];
-    PathPoint b = m_path[static_cast<std::size_t>(nFirst) + 1];
-    for (std::int32_t i = nFirst + 2; i <= nLast; ++i) {
-        const PathPoint& c = m_path[static_cast<std::size_t>(i)];
-        while (nKept >= 2 && Turn(a, b, c, nSide) <= 0) {
-            --nKept;
-            b = a;
-            a = m_path[static_cast<std::size_t>(m_chain[std::max<std::size_t>(nKept, 2) - 2])];
-        }
-        m_chain[nKept++] = i;
-        a = b;
-        b = c;
-    }
-    m_chain.resize(nKept);
+    std::reverse(m_collected.begin() + nBehindMiddle, m_collected.end());
 }
 
 void StretchHull::Cover(std::int32_t nFirst, std::int32_t nLast) {
     m_nFrom = nFirst;
     m_nTo = m_forwardTo[static_cast<std::size_t>(nFirst)];
-    m_nMiddle = nFirst < m_nSeed && m_nSeed < nLast ? m_nSeed : nFirst + (nLast - nFirst) / 2;
+    m_nMiddle = nFirst < m_nUsualMiddle && m_nUsualMiddle < nLast ? m_nUsualMiddle : nFirst + (nLast - nFirst) / 2;
     const auto at = [this](std::int32_t i) -> const PathPoint& { return m_path[static_cast<std::size_t>(i)]; };
     for (const std::int32_t nSide : {+1, -1}) {
         std::vector<std::int32_t>& inwards = m_inwards[nSide > 0 ? 0 : 1];
         inwards.resize(m_path.size());
         const auto next = [&inwards](std::int32_t i) { return inwards[static_cast<std::size_t>(i)]; };
-        for (std::int32_t i = m_nMiddle - 1; i >= m_nFrom; --i) {
-            std::int32_t nCorner = i + 1;
-            while (nCorner != m_nMiddle && Turn(at(i), at(nCorner), at(next(nCorner)), nSide) <= 0) {
+        // From one pixel outwards to the next; seen from the other end of the path, the kept side is the other one.
+        const auto addOutside = [&](std::int32_t i, std::int32_t nInwards) {
+            std::int32_t nCorner = i + nInwards;
+            while (nCorner != m_nMiddle && Turn(at(i), at(nCorner), at(next(nCorner)), nInwards * nSide) <= 0) {
                 nCorner = next(nCorner);
             }
             inwards[static_cast<std::size_t>(i)] = nCorner;
+        };
+        for (std::int32_t i = m_nMiddle - 1; i >= m_nFrom; --i) {
+            addOutside(i, +1);
         }
         for (std::int32_t i = m_nMiddle + 1; i <= m_nTo; ++i) {
-            std::int32_t nCorner = i - 1;
-            while (nCorner != m_nMiddle && Turn(at(next(nCorner)), at(nCorner), at(i), nSide) <= 0) {
-                nCorner = next(nCorner);
-            }
-            inwards[static_cast<std::size_t>(i)] = nCorner;
+            addOutside(i, -1);
         }
     }
 }

@@ -101,6 +101,8 @@ public:
     void PlaceLabel();
     void WriteToBitmap();
     void SaveAsPng();
+    std::wstring FreshPath(const wchar_t* pName) const;
+    void ExpectLabel(const std::wstring& path, const std::string& what) const;
     void SendBack();
     void SaveInHost();
     void Leave();
@@ -204,10 +206,22 @@ void Walker::WriteToBitmap() {
     PressOk(hBox, "the message");
 }
 
-void Walker::SaveAsPng() {
-    const std::wstring path = std::filesystem::absolute(m_plan.prefix + L"saved.png").wstring();
+// A file of the walk's own, which is not there yet.
+std::wstring Walker::FreshPath(const wchar_t* pName) const {
+    const std::filesystem::path path = std::filesystem::absolute(m_plan.prefix + pName);
     std::error_code ignored;
     std::filesystem::remove(path, ignored);
+    return path.wstring();
+}
+
+void Walker::ExpectLabel(const std::wstring& path, const std::string& what) const {
+    if (!CarriesText(path, m_plan.text, L"Times New Roman", -13, kBlue)) {
+        throw std::runtime_error(what + " does not carry the label's text");
+    }
+}
+
+void Walker::SaveAsPng() {
+    const std::wstring path = FreshPath(L"saved.png");
     Command(m_hFrame, ID_FILE_SAVE_AS_PICTURE);
     const HWND hDlg = m_host.Dialog("the save dialog");
     const HWND hTypes = GetDlgItem(hDlg, kFileTypeId);
@@ -218,9 +232,7 @@ void Walker::SaveAsPng() {
     Type(hDlg, kFileNameId, path);
     PressOk(hDlg, "the save dialog");
     Until("the picture to be saved", [&] { return !IsOnToolBar(ID_FILE_SAVE, TB_ISBUTTONENABLED); });
-    if (!CarriesText(path, m_plan.text, L"Times New Roman", -13, kBlue)) {
-        throw std::runtime_error("the saved picture does not carry the label's text");
-    }
+    ExpectLabel(path, "the saved picture");
 }
 
 // The host gets the picture, then the window is closed.
@@ -233,17 +245,13 @@ void Walker::SendBack() {
 }
 
 void Walker::SaveInHost() {
-    const std::wstring path = std::filesystem::absolute(m_plan.prefix + L"labelled.bmp").wstring();
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
+    const std::wstring path = FreshPath(L"labelled.bmp");
     Command(m_hHost, IDM_SAVE);
     const HWND hDlg = m_host.Dialog("the host's save dialog");
     Type(hDlg, kFileNameId, path);
     PressOk(hDlg, "the host's save dialog");
     Until("the saved picture", [&] { return !TitleOf(m_hHost).starts_with(L"*"); });
-    if (!CarriesText(path, m_plan.text, L"Times New Roman", -13, kBlue)) {
-        throw std::runtime_error("the picture sent back does not carry the label's text");
-    }
+    ExpectLabel(path, "the picture sent back");
 }
 
 void Walker::Leave() {
