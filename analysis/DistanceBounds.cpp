@@ -12,6 +12,12 @@
 
 namespace width {
 
+namespace {
+
+constexpr double kRounding = 1.0 / (1 << 24);  // of a float, as a part of it
+
+}  // namespace
+
 DistanceBounds::DistanceBounds(const PathBoxes& boxes) : m_boxes(boxes) {
     std::vector<PathPoint> pixels;
     for (std::size_t nLevel = 0; nLevel <= boxes.Root().nLevel; ++nLevel) {
@@ -42,14 +48,15 @@ std::span<const PathPoint> DistanceBounds::Corners(PathBoxes::Node node) const n
     return std::span(level.corners).subspan(nFirst, level.ends[node.nPlace] - nFirst);
 }
 
-// Two coordinates that become floats, two products and two sums, each rounded to 24 bits and none larger than the three terms
-// together: eight such errors are more than all of these.
+// The numerator is by + ax + c, of floats. The two products are each off by one rounding at most, and by one more where a
+// coordinate does not fit a float; the first sum, which is the numerator less c, and the second one by one each. The two
+// roundings of the numerator itself are left to the bound. A hundredth more is for the errors of those errors.
 DistanceBounds::Of::Of(const DistanceBounds& bounds, const PathLine& line) noexcept : m_bounds(bounds), m_line(line) {
-    constexpr double kEightRoundings = 8.0 / (1 << 24);
     const PathBox& all = bounds.m_boxes.Box(bounds.m_boxes.Root());
     const double x = std::max(std::fabs(static_cast<double>(all.xLow)), std::fabs(static_cast<double>(all.xHigh)));
     const double y = std::max(std::fabs(static_cast<double>(all.yLow)), std::fabs(static_cast<double>(all.yHigh)));
-    m_error = kEightRoundings * (std::fabs(line.A()) * x + std::fabs(line.B()) * y + std::fabs(line.C()));
+    const double fOfProduct = std::max(x, y) <= 1.0 / kRounding ? 1.01 : 2.01;
+    m_error = kRounding * (fOfProduct * (std::fabs(line.A()) * x + std::fabs(line.B()) * y) + 1.01 * std::fabs(line.C()));
 }
 
 float DistanceBounds::Of::LargestAtCorners(PathBoxes::Node node, double fSign) const noexcept {
@@ -59,8 +66,9 @@ float DistanceBounds::Of::LargestAtCorners(PathBoxes::Node node, double fSign) c
     for (const PathPoint& pt : m_bounds.Corners(node)) {
         fLargest = std::max(fLargest, a * pt.x + b * pt.y);
     }
-    const double fBound = (fLargest + fSign * m_line.C() + m_error) / m_line.Length();
-    return std::nextafter(static_cast<float>(fBound), std::numeric_limits<float>::infinity());
+    const double fNumerator = fLargest + fSign * m_line.C();
+    const double fBound = (fNumerator + 2.01 * kRounding * std::fabs(fNumerator) + m_error) / m_line.Length();
+    return static_cast<float>(fBound + 2.0 * kRounding * std::fabs(fBound));
 }
 
 float DistanceBounds::Of::Largest(PathBoxes::Node node) const noexcept {

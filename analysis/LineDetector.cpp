@@ -14,6 +14,7 @@
 #include "analysis/DistanceBounds.h"
 #include "analysis/PathBoxes.h"
 #include "analysis/PathLine.h"
+#include "analysis/Pruning.h"
 #include "analysis/StretchHull.h"
 
 namespace width {
@@ -57,8 +58,9 @@ std::int32_t LineDetector::PruneToHull(std::span<const PathPoint> path, std::vec
     if (chain.size() < 2) {
         return 0;
     }
-    const std::vector<std::int32_t> whole = chain;
-    PruneInto(
+    const std::vector<std::int32_t> whole = std::move(chain);
+    chain.clear();
+    PruneOn(
         path, whole.size(), [&](std::size_t i) { return whole[i]; }, nSide, chain);
     return 1;
 }
@@ -116,7 +118,7 @@ std::int32_t LineDetector::SearchLine() {
     const std::span<const PathPoint> path = m_Path;
     const PathBoxes boxes(path);
     const DistanceBounds bounds(boxes);
-    StretchHull hull(path, -path.front().nIndex);
+    StretchHull hull(boxes, -path.front().nIndex);
     // What a trip does depends on the stretch and the side alone: one that comes again never ends.
     std::set<std::tuple<std::int32_t, std::int32_t, std::int32_t>> narrowed;
     const auto nTail = static_cast<std::int32_t>(path.size()) - 1;

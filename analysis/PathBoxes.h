@@ -90,7 +90,7 @@ public:
     template <class Value, class Bound>
     Largest FindLargest(Range range, Value value, Bound bound) const {
         Largest largest{0.0F, range.nFirst};
-        FindLargest(Root(), range, value, bound, largest);
+        FindLargest(Root(), bound(Root()), range, value, bound, largest);
         return largest;
     }
 
@@ -120,13 +120,10 @@ private:
 
     // The half with the larger bound is looked at first: it makes most of the other one superfluous.
     template <class Value, class Bound>
-    void FindLargest(Node node, Range range, Value value, Bound bound, Largest& largest) const {
+    void FindLargest(Node node, float fBound, Range range, Value value, Bound bound, Largest& largest) const {
         const Range shared = Shared(node, range);
-        if (shared.nFirst > shared.nLast) {
-            return;
-        }
-        const float fBound = bound(node);
-        if (fBound < largest.fValue || (fBound == largest.fValue && shared.nFirst >= largest.nPosition)) {
+        if (shared.nFirst > shared.nLast || fBound < largest.fValue ||
+            (fBound == largest.fValue && shared.nFirst >= largest.nPosition)) {
             return;
         }
         if (node.nLevel == 0) {
@@ -140,13 +137,20 @@ private:
         }
         const Node lower = Lower(node);
         const std::optional<Node> upper = Upper(node);
-        const bool bUpperFirst = upper && bound(*upper) > bound(lower);
-        if (bUpperFirst) {
-            FindLargest(*upper, range, value, bound, largest);
-        }
-        FindLargest(lower, range, value, bound, largest);
-        if (upper && !bUpperFirst) {
-            FindLargest(*upper, range, value, bound, largest);
+        if (!upper || shared.nLast <= Pixels(lower).nLast) {
+            FindLargest(lower, bound(lower), range, value, bound, largest);
+        } else if (shared.nFirst > Pixels(lower).nLast) {
+            FindLargest(*upper, bound(*upper), range, value, bound, largest);
+        } else {
+            const float fLower = bound(lower);
+            const float fUpper = bound(*upper);
+            if (fUpper > fLower) {
+                FindLargest(*upper, fUpper, range, value, bound, largest);
+            }
+            FindLargest(lower, fLower, range, value, bound, largest);
+            if (!(fUpper > fLower)) {
+                FindLargest(*upper, fUpper, range, value, bound, largest);
+            }
         }
     }
 

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "analysis/DistanceBounds.h"
+#include "analysis/FrontHull.h"
 #include "analysis/LineDetector.h"
 #include "analysis/StretchHull.h"
 #include "tests/support/LiteralSearch.h"
@@ -236,26 +237,91 @@ TEST(DistanceBounds, NoPixelIsFartherThanItsNodesBound) {
     EXPECT_LT(fTightest, 0.1F) << "a bound that is never near is of no use";
 }
 
-// Stretches of paths that go forward, that nearly do, and that do not.
+std::vector<std::int32_t> Pruned(const Path& path, std::int32_t nFrom, std::int32_t nTo, std::int32_t nSide) {
+    std::vector<std::int32_t> chain(static_cast<std::size_t>(nTo - nFrom) + 1);
+    std::iota(chain.begin(), chain.end(), nFrom);
+    LineDetector::PruneToHull(path, chain, nSide);
+    return chain;
+}
+
+constexpr std::array<Step, 8> kSteps = {{{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
+
+// Paths that go forward, that nearly do, and that do not: random steps of a few directions, or one and the same row of runs
+// again and again, with a wrong step now and then.
+Path AnyPath(std::mt19937& random, std::int32_t nPixels) {
+    const std::int32_t nDirections = 1 + test::Below(random, 8);
+    const std::int32_t nFirst = test::Below(random, 8);
+    const std::int32_t nWrong = 20 + test::Below(random, 400);
+    std::vector<std::size_t> row;
+    if (test::Below(random, 3) > 0) {
+        for (std::int32_t nRuns = 2 + test::Below(random, 5); nRuns > 0; --nRuns) {
+            row.insert(row.end(), 1 + random() % 5, random() % 8);
+        }
+        if (test::Below(random, 3) > 0) {
+            for (std::size_t i = 0, nHalf = row.size(); i < nHalf; ++i) {
+                row.push_back((8 - row[i]) % 8);  // mirrored
+            }
+        }
+    }
+    return Walk(nPixels, [&](std::int32_t i) {
+        if (test::Below(random, nWrong) == 0) {
+            return test::Below(random, 9) == 0 ? Step{0, 0} : kSteps[random() % 8];
+        }
+        return row.empty() ? kSteps[static_cast<std::size_t>(nFirst + test::Below(random, nDirections)) % 8]
+                           : kSteps[row[static_cast<std::size_t>(i) % row.size()]];
+    });
+}
+
+// All stretches that one hull covers. Paths of teeth that lean back must be among them, or the hull is of no use.
+TEST(FrontHull, EqualsPruningTheWholeStretch) {
+    std::mt19937 random(17);
+    std::int32_t nWithPockets = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        const std::int32_t nPixels = 4 + test::Below(random, i % 4 == 0 ? 400 : 120);
+        const Path path = AnyPath(random, nPixels);
+        const PathBoxes boxes(path);
+        const std::int32_t nSide = i % 2 == 0 ? +1 : -1;
+        FrontHull hull(boxes, nSide);
+        const std::int32_t nStart = test::Below(random, 1 + nPixels / 4);
+        hull.Cover(nStart, nPixels - 1 - test::Below(random, 1 + nPixels / 4), nPixels / 2);
+        for (int n = 0; n < 60; ++n) {
+            const std::int32_t nFrom = test::Below(random, nPixels - 1);
+            const std::int32_t nTo = nFrom + 1 + test::Below(random, nPixels - nFrom - 1);
+            std::vector<std::int32_t> corners;
+            if (const auto nLookedAt = hull.Corners(nFrom, nTo, corners)) {
+                ASSERT_EQ(corners, Pruned(path, nFrom, nTo, nSide)) << i << ": " << nFrom << " to " << nTo << ", side " << nSide;
+                nWithPockets += *nLookedAt > 2 && *nLookedAt < (nTo - nFrom) / 2 ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(nWithPockets, 10'000);
+}
+
+// What a stretch has before its first front comes in order up to the last step, which goes against the heading.
+TEST(FrontHull, AStretchThatBeginsOutOfOrderIsNotTaken) {
+    constexpr std::array<std::size_t, 18> kDirections = {2, 2, 2, 2, 2, 5, 5, 1, 1, 1, 6, 6, 6, 6, 6, 3, 3, 7};
+    const Path path = Walk(19, [&](std::int32_t i) { return kSteps[kDirections[static_cast<std::size_t>(i) % 18]]; });
+    const PathBoxes boxes(path);
+    FrontHull hull(boxes, -1);
+    hull.Cover(4, 18, 9);
+    std::vector<std::int32_t> corners;
+    EXPECT_TRUE(!hull.Corners(7, 16, corners) || corners == Pruned(path, 7, 16, -1));
+}
+
+// Many stretches of one path: by and by the hull takes over from the plain pruning.
 TEST(StretchHull, EqualsPruningTheWholeStretch) {
     std::mt19937 random(13);
-    for (int i = 0; i < 600; ++i) {
-        const std::int32_t nDirections = 1 + test::Below(random, 8);
-        const std::int32_t nFirst = test::Below(random, 8);
+    for (int i = 0; i < 300; ++i) {
         const std::int32_t nPixels = 3 + test::Below(random, 120);
-        const Path path = Walk(nPixels, [&](std::int32_t) {
-            constexpr Step kSteps[] = {{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}};
-            return test::Below(random, 200) == 0 ? Step{0, 0} : kSteps[(nFirst + test::Below(random, nDirections)) % 8];
-        });
-        StretchHull hull(path, nPixels / 2);
-        for (int n = 0; n < 40; ++n) {
+        const Path path = AnyPath(random, nPixels);
+        const PathBoxes boxes(path);
+        StretchHull hull(boxes, nPixels / 2);
+        for (int n = 0; n < 60; ++n) {
             const std::int32_t nFrom = test::Below(random, nPixels - 1);
             const std::int32_t nTo = nFrom + 1 + test::Below(random, nPixels - nFrom - 1);
             for (const std::int32_t nSide : {+1, -1}) {
-                std::vector<std::int32_t> chain(static_cast<std::size_t>(nTo - nFrom) + 1);
-                std::iota(chain.begin(), chain.end(), nFrom);
-                LineDetector::PruneToHull(path, chain, nSide);
-                ASSERT_EQ(hull.Corners(nFrom, nTo, nSide), chain) << i << ": " << nFrom << " to " << nTo << ", side " << nSide;
+                ASSERT_EQ(hull.Corners(nFrom, nTo, nSide), Pruned(path, nFrom, nTo, nSide))
+                    << i << ": " << nFrom << " to " << nTo << ", side " << nSide;
             }
         }
     }
@@ -266,12 +332,12 @@ TEST(StretchHull, EqualsPruningWhereTurnsWrap) {
     const Path path = Walk(100'000, [](std::int32_t i) {
         return i % 5'000 == 7 ? Step{1, 1} : i < 50'000 ? Step{1, 0} : Step{0, 1};
     });
-    StretchHull hull(path, 50'000);
-    for (const std::int32_t nSide : {+1, -1}) {
-        std::vector<std::int32_t> chain(path.size());
-        std::iota(chain.begin(), chain.end(), 0);
-        LineDetector::PruneToHull(path, chain, nSide);
-        EXPECT_EQ(hull.Corners(0, 99'999, nSide), chain) << nSide;
+    const PathBoxes boxes(path);
+    StretchHull hull(boxes, 50'000);
+    for (int n = 0; n < 20; ++n) {  // often enough for the hull to take over if it could
+        for (const std::int32_t nSide : {+1, -1}) {
+            ASSERT_EQ(hull.Corners(0, 99'999, nSide), Pruned(path, 0, 99'999, nSide)) << n << ", side " << nSide;
+        }
     }
 }
 
