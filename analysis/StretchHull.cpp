@@ -19,7 +19,7 @@ bool TurnsFit(const PathBox& box) noexcept {
 
 StretchHull::StretchHull(const PathBoxes& boxes, std::int32_t nMiddle) noexcept
     : m_path(boxes.Path()),
-      m_nMiddle(nMiddle),
+      m_nUsualMiddle(nMiddle),
       m_bTurnsFit(TurnsFit(boxes.Box(boxes.Root()))),
       m_kept{FrontHull(boxes, +1)},
       m_other{FrontHull(boxes, -1)} {}
@@ -29,7 +29,8 @@ const std::vector<std::int32_t>& StretchHull::Corners(std::int32_t nFirst, std::
     const std::int32_t nPixels = nLast - nFirst + 1;
     if (m_bTurnsFit) {
         if (side.nLookedAt > kPatience * nPixels) {
-            side.hull.Cover(nFirst, nLast, m_nMiddle);
+            const bool bHoldsUsual = nFirst < m_nUsualMiddle && m_nUsualMiddle < nLast;
+            side.hull.Cover(nFirst, nLast, bHoldsUsual ? m_nUsualMiddle : nFirst + (nLast - nFirst) / 2);
             side.nLookedAt = 0;
         }
         if (const auto nLookedAt = side.hull.Corners(nFirst, nLast, m_corners)) {

@@ -33,7 +33,7 @@ private:
     };
 
     std::span<const PathPoint> m_path;
-    std::int32_t m_nMiddle;
+    std::int32_t m_nUsualMiddle;
     bool m_bTurnsFit;
     Side m_kept;
     Side m_other;
