@@ -11,8 +11,8 @@
 #include <set>
 #include <tuple>
 
-#include "analysis/DistanceBounds.h"
 #include "analysis/PathBoxes.h"
+#include "analysis/PathDistances.h"
 #include "analysis/PathLine.h"
 #include "analysis/Pruning.h"
 #include "analysis/StretchHull.h"
@@ -35,8 +35,8 @@ std::int32_t FirstOccurrence(const PathBoxes& boxes, std::int32_t nPosition) {
 }
 
 // As LineDetector::IsChainStraight, for a stretch of the path.
-bool IsStretchStraight(const DistanceBounds& bounds, std::size_t nFirst, std::size_t nLast) {
-    const std::span<const PathPoint> path = bounds.Boxes().Path();
+bool IsStretchStraight(const PathDistances& distances, std::size_t nFirst, std::size_t nLast) {
+    const std::span<const PathPoint> path = distances.Boxes().Path();
     const PathLine chord(path[nFirst], path[nLast]);
     if (nLast - nFirst + 1 < kShortestStretch) {
         return false;
@@ -44,12 +44,7 @@ bool IsStretchStraight(const DistanceBounds& bounds, std::size_t nFirst, std::si
     if (!chord.IsLine()) {
         return true;  // from a pixel to itself: no distance is a number, so none is too large
     }
-    const DistanceBounds::Of distances(bounds, chord);
-    const auto mayLeave = [&](PathBoxes::Node node) {
-        return distances.Largest(node) > kPixelToChord || distances.Smallest(node) < -kPixelToChord;
-    };
-    const auto leaves = [&](const PathPoint& pt) { return std::fabs(chord.Distance(pt.x, pt.y)) > kPixelToChord; };
-    return !bounds.Boxes().FindFirst({nFirst + 1, nLast}, mayLeave, leaves);
+    return distances.AreWithin(kPixelToChord, chord, {nFirst + 1, nLast});
 }
 
 }  // namespace
@@ -78,7 +73,7 @@ std::int32_t LineDetector::IsChainStraight(std::span<const PathPoint> stretch) {
         return 0;
     }
     const PathBoxes boxes(stretch);
-    return IsStretchStraight(DistanceBounds(boxes), 0, stretch.size() - 1) ? 1 : 0;
+    return IsStretchStraight(PathDistances(boxes), 0, stretch.size() - 1) ? 1 : 0;
 }
 
 // A ring is cut at the two pixels farthest apart; the arc with the seed stays, and the part of it
@@ -104,8 +99,8 @@ std::int32_t LineDetector::AcceptEdge(std::int32_t p, std::int32_t q) noexcept {
     return 1;
 }
 
-std::int32_t LineDetector::GiveUpOnHull(const DistanceBounds& bounds) {
-    return m_conditions.bRectAlgorithm != 0 ? TrimToStrip(bounds) : 0;
+std::int32_t LineDetector::GiveUpOnHull(const PathDistances& distances) {
+    return m_conditions.bRectAlgorithm != 0 ? TrimToStrip(distances) : 0;
 }
 
 std::int32_t LineDetector::SearchLine() {
@@ -117,7 +112,7 @@ std::int32_t LineDetector::SearchLine() {
     }
     const std::span<const PathPoint> path = m_Path;
     const PathBoxes boxes(path);
-    const DistanceBounds bounds(boxes);
+    const PathDistances distances(boxes);
     StretchHull hull(boxes, -path.front().nIndex);
     // What a trip does depends on the stretch and the side alone: one that comes again never ends.
     std::set<std::tuple<std::int32_t, std::int32_t, std::int32_t>> narrowed;
@@ -138,7 +133,7 @@ std::int32_t LineDetector::SearchLine() {
         const PathPoint& ptP = path[static_cast<std::size_t>(nP)];
         const PathPoint& ptQ = path[static_cast<std::size_t>(nQ)];
         if (IsEdgeLongEnough(ptP, ptQ) == 0) {
-            return GiveUpOnHull(bounds);
+            return GiveUpOnHull(distances);
         }
         nFrom = FirstOccurrence(boxes, nP);
         nTo = FirstOccurrence(boxes, nQ);
@@ -146,14 +141,14 @@ std::int32_t LineDetector::SearchLine() {
             nTo = nQ;  // a pixel that also stands before P counts where it is
         }
         if (IsSeedNearEdge(ptP, ptQ) != 0) {
-            if (IsStretchStraight(bounds, static_cast<std::size_t>(nFrom), static_cast<std::size_t>(nTo))) {
+            if (IsStretchStraight(distances, static_cast<std::size_t>(nFrom), static_cast<std::size_t>(nTo))) {
                 return AcceptEdge(nP, nQ);
             }
             nTo = std::min(nTo + 1, nTail);
         }
         nHullSide = -nHullSide;
         if (!narrowed.emplace(nFrom, nTo, nHullSide).second) {
-            return GiveUpOnHull(bounds);
+            return GiveUpOnHull(distances);
         }
     }
     return 0;

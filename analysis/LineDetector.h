@@ -25,7 +25,7 @@
 
 namespace width {
 
-class DistanceBounds;
+class PathDistances;
 
 /// One pixel of a path, in path coordinates.
 struct PathPoint {
@@ -116,8 +116,8 @@ private:
     std::int32_t TracePath(const SkeletonMap& map, MapCell seed);
     void CutOpen();
     std::int32_t AcceptEdge(std::int32_t p, std::int32_t q) noexcept;
-    std::int32_t GiveUpOnHull(const DistanceBounds& bounds);
-    std::int32_t TrimToStrip(const DistanceBounds& bounds);
+    std::int32_t GiveUpOnHull(const PathDistances& distances);
+    std::int32_t TrimToStrip(const PathDistances& distances);
 
     LineConditions m_conditions;
     FitAxis m_nFitAxis = FitAxis::HullEdge;

@@ -2,32 +2,12 @@
 // Tested by: tests/unit/analysis/LineFitTest.cpp, LineSearchTest.cpp
 #include <cmath>
 
-#include "analysis/DistanceBounds.h"
+#include "analysis/PathDistances.h"
 #include "analysis/PathLine.h"
 
 namespace width {
 
 namespace {
-
-// The two pixels farthest from the chord of a stretch, one on each side, and how far they are. The
-// first of several equal ones counts; a stretch with nothing on a side has its head there, at 0.
-struct Extremes {
-    PathBoxes::Largest above;
-    PathBoxes::Largest below;  // the distance negated
-};
-
-Extremes ExtremesOf(const DistanceBounds& bounds, PathBoxes::Range stretch) {
-    const PathBoxes& boxes = bounds.Boxes();
-    const PathLine chord(boxes.Path()[stretch.nFirst], boxes.Path()[stretch.nLast]);
-    if (!chord.IsLine()) {
-        return {{0.0F, stretch.nFirst}, {0.0F, stretch.nFirst}};
-    }
-    const auto above = [&](const PathPoint& pt) { return chord.Distance(pt.x, pt.y); };
-    const auto below = [&](const PathPoint& pt) { return -chord.Distance(pt.x, pt.y); };
-    const DistanceBounds::Of distances(bounds, chord);
-    return {boxes.FindLargest(stretch, above, [&](PathBoxes::Node node) { return distances.Largest(node); }),
-            boxes.FindLargest(stretch, below, [&](PathBoxes::Node node) { return -distances.Smallest(node); })};
-}
 
 // Single-precision sums of a fit of v on u, added pixel by pixel in list order: the rounding of
 // each step is part of the result.
@@ -87,17 +67,21 @@ std::int32_t LineDetector::TrimToStrip() {
         return 0;
     }
     const PathBoxes boxes(m_Path);
-    return TrimToStrip(DistanceBounds(boxes));
+    return TrimToStrip(PathDistances(boxes));
 }
 
-std::int32_t LineDetector::TrimToStrip(const DistanceBounds& bounds) {
+std::int32_t LineDetector::TrimToStrip(const PathDistances& distances) {
     PathBoxes::Range stretch{0, m_Path.size() - 1};
     for (;;) {
         const auto chain = std::span(m_Path).subspan(stretch.nFirst, stretch.nLast - stretch.nFirst + 1);
         if (IsChordLongEnough(chain) == 0) {
             return 0;
         }
-        const Extremes extremes = ExtremesOf(bounds, stretch);
+        const PathLine chord(chain.front(), chain.back());
+        PathDistances::Extremes extremes{{0.0F, stretch.nFirst}, {0.0F, stretch.nFirst}};
+        if (chord.IsLine()) {
+            extremes = distances.FindExtremes(chord, stretch);
+        }
         const bool bFits = m_conditions.fRectWidth > std::fabs(extremes.above.fValue + extremes.below.fValue);
         const std::size_t nExtreme =
             extremes.above.fValue > extremes.below.fValue ? extremes.above.nPosition : extremes.below.nPosition;

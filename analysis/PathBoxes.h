@@ -32,6 +32,8 @@ public:
     /// path  not empty; must outlive the object. Throws std::bad_alloc.
     explicit PathBoxes(std::span<const PathPoint> path);
 
+    static constexpr std::size_t kLeafPixels = 64;
+
     /// A box by its level (0: leaves) and its place on that level.
     struct Node {
         std::size_t nLevel = 0;
@@ -86,17 +88,16 @@ public:
 
     /// The position in a range whose pixel has the largest value; of several, the first. Values up to 0 and values that are
     /// not numbers don't count: with nothing above 0 the answer is 0 at the range's first position.
-    /// bound  of a node: none of its pixels has a larger value
-    template <class Value, class Bound>
-    Largest FindLargest(Range range, Value value, Bound bound) const {
+    /// takeLargest  of a range and a Largest, which it sets to the range's own if that is larger, or as large and before it
+    /// bound        of a node: none of its pixels has a larger value
+    template <class TakeLargest, class Bound>
+    Largest FindLargest(Range range, TakeLargest takeLargest, Bound bound) const {
         Largest largest{0.0F, range.nFirst};
-        FindLargest(Root(), bound(Root()), range, value, bound, largest);
+        FindLargest(Root(), bound(Root()), range, takeLargest, bound, largest);
         return largest;
     }
 
 private:
-    static constexpr std::size_t kLeafPixels = 8;
-
     Range Shared(Node node, Range range) const noexcept {
         const Range pixels = Pixels(node);
         return {std::max(pixels.nFirst, range.nFirst), std::min(pixels.nLast, range.nLast)};
@@ -119,37 +120,32 @@ private:
     }
 
     // The half with the larger bound is looked at first: it makes most of the other one superfluous.
-    template <class Value, class Bound>
-    void FindLargest(Node node, float fBound, Range range, Value value, Bound bound, Largest& largest) const {
+    template <class TakeLargest, class Bound>
+    void FindLargest(Node node, float fBound, Range range, TakeLargest takeLargest, Bound bound, Largest& largest) const {
         const Range shared = Shared(node, range);
         if (shared.nFirst > shared.nLast || fBound < largest.fValue ||
             (fBound == largest.fValue && shared.nFirst >= largest.nPosition)) {
             return;
         }
         if (node.nLevel == 0) {
-            for (std::size_t i = shared.nFirst; i <= shared.nLast; ++i) {
-                const float fValue = value(m_path[i]);
-                if (fValue > largest.fValue || (fValue == largest.fValue && i < largest.nPosition)) {
-                    largest = {fValue, i};
-                }
-            }
+            takeLargest(shared, largest);
             return;
         }
         const Node lower = Lower(node);
         const std::optional<Node> upper = Upper(node);
         if (!upper || shared.nLast <= Pixels(lower).nLast) {
-            FindLargest(lower, bound(lower), range, value, bound, largest);
+            FindLargest(lower, bound(lower), range, takeLargest, bound, largest);
         } else if (shared.nFirst > Pixels(lower).nLast) {
-            FindLargest(*upper, bound(*upper), range, value, bound, largest);
+            FindLargest(*upper, bound(*upper), range, takeLargest, bound, largest);
         } else {
             const float fLower = bound(lower);
             const float fUpper = bound(*upper);
             if (fUpper > fLower) {
-                FindLargest(*upper, fUpper, range, value, bound, largest);
+                FindLargest(*upper, fUpper, range, takeLargest, bound, largest);
             }
-            FindLargest(lower, fLower, range, value, bound, largest);
+            FindLargest(lower, fLower, range, takeLargest, bound, largest);
             if (!(fUpper > fLower)) {
-                FindLargest(*upper, fUpper, range, value, bound, largest);
+                FindLargest(*upper, fUpper, range, takeLargest, bound, largest);
             }
         }
     }

@@ -264,6 +264,10 @@ PathMap LeaningTeeth(std::int32_t nPixels) {
     });
 }
 
+PathMap UnevenWaves(std::int32_t nPixels) {
+    return Walk(nPixels, [](std::int32_t i) { return Step{-1, i % 9 < 5 ? 1 : -1}; });
+}
+
 std::vector<PathPoint> CirclePath(std::int32_t nPixels) {
     constexpr double kPixelsPerRadius = 5.656854249492381;  // of a circle in eight-connected pixels: 4 times the root of 2
     const double fRadius = nPixels / kPixelsPerRadius;

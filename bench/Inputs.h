@@ -55,6 +55,8 @@ PathMap SlantingWaves(std::int32_t nPixels);
 PathMap Stairs(std::int32_t nPixels);
 /// To the right, with teeth that lean back over the gap before them.
 PathMap LeaningTeeth(std::int32_t nPixels);
+/// Five pixels uphill, four downhill: many tops that are equally far from what is trimmed, but for roundings.
+PathMap UnevenWaves(std::int32_t nPixels);
 
 /// The pixels of a circle, about nPixels of them, in order: the worst case for the farthest pair.
 std::vector<PathPoint> CirclePath(std::int32_t nPixels);

@@ -80,6 +80,7 @@ const bool g_bAdded = [] {
     AddSearch("level waves", LevelWaves, 100'000);
     AddSearch("slanting waves", SlantingWaves, 100'000);
     AddSearch("stairs", Stairs, 40'000);  // as many as a map of 400 MB holds
+    AddSearch("uneven waves", UnevenWaves, 60'000);
     AddSearch("leaning teeth", LeaningTeeth, 100'000);
     AddFarthestPair(20'000);
     AddFarthestPair(100'000);

@@ -8,9 +8,9 @@
 #include <numeric>
 #include <random>
 
-#include "analysis/DistanceBounds.h"
 #include "analysis/FrontHull.h"
 #include "analysis/LineDetector.h"
+#include "analysis/PathDistances.h"
 #include "analysis/StretchHull.h"
 #include "tests/support/LiteralSearch.h"
 #include "tests/support/Pictures.h"
@@ -195,14 +195,22 @@ TEST(PathBoxes, TheFirstOfTheLargestValuesIsFound) {
     std::mt19937 random(15);
     for (int i = 0; i < 400; ++i) {
         Path path;
-        for (std::int32_t n = test::Below(random, 300); n >= 0; --n) {
+        for (std::int32_t n = test::Below(random, 2000); n >= 0; --n) {
             path.push_back({0, test::Below(random, 9) - 2, 0});
         }
         const PathBoxes boxes(path);
         const auto nFirst = static_cast<std::size_t>(test::Below(random, static_cast<std::int32_t>(path.size())));
         const std::size_t nLast = nFirst + random() % (path.size() - nFirst);
         const PathBoxes::Largest found = boxes.FindLargest(
-            {nFirst, nLast}, [](const PathPoint& pt) { return static_cast<float>(pt.x); },
+            {nFirst, nLast},
+            [&](PathBoxes::Range range, PathBoxes::Largest& largest) {
+                for (std::size_t n = range.nFirst; n <= range.nLast; ++n) {
+                    const auto fValue = static_cast<float>(path[n].x);
+                    if (fValue > largest.fValue || (fValue == largest.fValue && n < largest.nPosition)) {
+                        largest = {fValue, n};
+                    }
+                }
+            },
             [&](PathBoxes::Node node) { return static_cast<float>(boxes.Box(node).xHigh + test::Below(random, 3)); });
         const auto at = [&](std::size_t n) { return path.begin() + static_cast<std::ptrdiff_t>(n); };
         const auto largest = std::max_element(at(nFirst), at(nLast) + 1, [](auto& p, auto& q) { return p.x < q.x; });
@@ -212,7 +220,7 @@ TEST(PathBoxes, TheFirstOfTheLargestValuesIsFound) {
 }
 
 // Slanting paths far from the origin, where single precision is off by more than the pixels differ.
-TEST(DistanceBounds, NoPixelIsFartherThanItsNodesBound) {
+TEST(PathDistances, NoPixelIsFartherThanItsNodesBound) {
     std::mt19937 random(16);
     float fTightest = 1000.0F;
     for (int i = 0; i < 60; ++i) {
@@ -222,19 +230,60 @@ TEST(DistanceBounds, NoPixelIsFartherThanItsNodesBound) {
             pt = {pt.nIndex, pt.x + offset.dx, pt.y + offset.dy};
         }
         const PathBoxes boxes(path);
-        const DistanceBounds bounds(boxes);
+        const PathDistances pathDistances(boxes);
         const PathLine line(path[random() % 100], path[300 + random() % 100]);
-        const DistanceBounds::Of distances(bounds, line);
+        const PathDistances::Bounds bounds(pathDistances, line);
         for (std::size_t n = 0; n < path.size(); ++n) {
             const float fDistance = line.Distance(path[n].x, path[n].y);
-            for (std::size_t nLevel = 0, nPlace = n / 8; nLevel <= boxes.Root().nLevel; ++nLevel, nPlace /= 2) {
-                ASSERT_LE(fDistance, distances.Largest({nLevel, nPlace}));
-                ASSERT_GE(fDistance, distances.Smallest({nLevel, nPlace}));
-                fTightest = std::min(fTightest, distances.Largest({nLevel, nPlace}) - fDistance);
+            for (std::size_t nLevel = 0, nPlace = n / PathBoxes::kLeafPixels; nLevel <= boxes.Root().nLevel;
+                 ++nLevel, nPlace /= 2) {
+                ASSERT_LE(fDistance, bounds.Largest({nLevel, nPlace}));
+                ASSERT_GE(fDistance, bounds.Smallest({nLevel, nPlace}));
+                fTightest = std::min(fTightest, bounds.Largest({nLevel, nPlace}) - fDistance);
             }
         }
     }
     EXPECT_LT(fTightest, 0.1F) << "a bound that is never near is of no use";
+}
+
+// Tops of waves that are equally far but for roundings, far from the origin; and from a line far away, where different
+// numerators of a distance round to the same one.
+TEST(PathDistances, TheFirstOfTheFarthestPixelsIsFound) {
+    std::mt19937 random(18);
+    for (int i = 0; i < 2000; ++i) {
+        const std::int32_t nHalfWave = 1 + test::Below(random, 9);
+        const std::int32_t nSlant = 5 + test::Below(random, 60);
+        Path path = Walk(20 + test::Below(random, 1500), [&](std::int32_t n) {
+            return Step{1, n % nSlant == 0 ? 0 : n / nHalfWave % 2 == 0 ? 1 : -1};
+        });
+        const std::int32_t nOffset = test::Below(random, 40'000);
+        for (PathPoint& pt : path) {
+            pt.y += nOffset;
+        }
+        path = Turned(path, i % 8);
+        const PathBoxes boxes(path);
+        const PathDistances distances(boxes);
+        const std::size_t nFirst = random() % path.size();
+        const std::size_t nLast = nFirst + random() % (path.size() - nFirst);
+        PathPoint ptEnds[] = {path[random() % (path.size() / 2)], path[path.size() - 1 - random() % (path.size() / 2)]};
+        if (i % 4 == 0) {
+            ptEnds[0].y = ptEnds[1].y = path[0].y - 60'000 - test::Below(random, 10'000);
+            ptEnds[i / 8 % 2].y += 1;
+        }
+        const PathLine line(ptEnds[0], ptEnds[1]);
+        PathBoxes::Largest above{0.0F, nFirst};
+        PathBoxes::Largest below = above;
+        for (std::size_t n = nFirst; n <= nLast; ++n) {
+            const float fDistance = line.Distance(path[n].x, path[n].y);
+            above = fDistance > above.fValue ? PathBoxes::Largest{fDistance, n} : above;
+            below = -fDistance > below.fValue ? PathBoxes::Largest{-fDistance, n} : below;
+        }
+        const PathDistances::Extremes found = distances.FindExtremes(line, {nFirst, nLast});
+        ASSERT_EQ(found.above.fValue, above.fValue) << i;
+        ASSERT_EQ(found.below.fValue, below.fValue) << i;
+        ASSERT_EQ(found.above.nPosition, above.nPosition) << i;
+        ASSERT_EQ(found.below.nPosition, below.nPosition) << i;
+    }
 }
 
 std::vector<std::int32_t> Pruned(const Path& path, std::int32_t nFrom, std::int32_t nTo, std::int32_t nSide) {

@@ -1,0 +1,146 @@
+// Hull corners are compared with the line in double precision. The numerator of a pixel's distance in single precision
+// differs from the true one by less than m_error, so that much is added; the quotient is rounded up.
+// Tested by: tests/unit/analysis/LineSearchTest.cpp
+#include "analysis/PathDistances.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+#include "analysis/ConvexHull.h"
+
+namespace width {
+
+namespace {
+
+constexpr double kRounding = 1.0 / (1 << 24);  // of a float, as a part of it
+
+}  // namespace
+
+PathDistances::PathDistances(const PathBoxes& boxes) : m_boxes(boxes) {
+    m_x.reserve(boxes.Path().size());
+    m_y.reserve(boxes.Path().size());
+    for (const PathPoint& pt : boxes.Path()) {
+        m_x.push_back(static_cast<float>(pt.x));
+        m_y.push_back(static_cast<float>(pt.y));
+    }
+    std::vector<PathPoint> pixels;
+    for (std::size_t nLevel = 0; nLevel <= boxes.Root().nLevel; ++nLevel) {
+        Level level;
+        for (std::size_t nPlace = 0; nPlace < boxes.Count(nLevel); ++nPlace) {
+            const PathBoxes::Node node{nLevel, nPlace};
+            pixels.clear();
+            if (nLevel == 0) {
+                const PathBoxes::Range range = boxes.Pixels(node);
+                pixels.assign(&boxes.Path()[range.nFirst], &boxes.Path()[range.nLast] + 1);
+                std::ranges::sort(pixels, IsLeftOf);
+            } else {
+                const std::optional<PathBoxes::Node> upper = boxes.Upper(node);
+                std::ranges::merge(Corners(PathBoxes::Lower(node)), upper ? Corners(*upper) : std::span<const PathPoint>(),
+                                   std::back_inserter(pixels), IsLeftOf);
+            }
+            KeepHullCorners(pixels);
+            level.corners.insert(level.corners.end(), pixels.begin(), pixels.end());
+            level.ends.push_back(level.corners.size());
+        }
+        m_levels.push_back(std::move(level));
+    }
+}
+
+std::span<const PathPoint> PathDistances::Corners(PathBoxes::Node node) const noexcept {
+    const Level& level = m_levels[node.nLevel];
+    const std::size_t nFirst = node.nPlace == 0 ? 0 : level.ends[node.nPlace - 1];
+    return std::span(level.corners).subspan(nFirst, level.ends[node.nPlace] - nFirst);
+}
+
+// The numerator is by + ax + c, of floats. The two products are each off by one rounding at most, and by one more where a
+// coordinate does not fit a float; the first sum, which is the numerator less c, and the second one by one each. The two
+// roundings of the numerator itself are left to the bound. A hundredth more is for the errors of those errors.
+PathDistances::Bounds::Bounds(const PathDistances& distances, const PathLine& line) noexcept
+    : m_distances(distances), m_line(line) {
+    const PathBox& all = distances.m_boxes.Box(distances.m_boxes.Root());
+    const double x = std::max(std::fabs(static_cast<double>(all.xLow)), std::fabs(static_cast<double>(all.xHigh)));
+    const double y = std::max(std::fabs(static_cast<double>(all.yLow)), std::fabs(static_cast<double>(all.yHigh)));
+    const double fOfProduct = std::max(x, y) <= 1.0 / kRounding ? 1.01 : 2.01;
+    m_error = kRounding * (fOfProduct * (std::fabs(line.A()) * x + std::fabs(line.B()) * y) + 1.01 * std::fabs(line.C()));
+}
+
+float PathDistances::Bounds::LargestAtCorners(PathBoxes::Node node, double fSign) const noexcept {
+    const double a = fSign * m_line.A();
+    const double b = fSign * m_line.B();
+    double fLargest = -std::numeric_limits<double>::infinity();
+    for (const PathPoint& pt : m_distances.Corners(node)) {
+        fLargest = std::max(fLargest, a * pt.x + b * pt.y);
+    }
+    const double fNumerator = fLargest + fSign * m_line.C();
+    const double fBound = (fNumerator + 2.01 * kRounding * std::fabs(fNumerator) + m_error) / m_line.Length();
+    return static_cast<float>(fBound + 2.0 * kRounding * std::fabs(fBound));
+}
+
+float PathDistances::Bounds::Largest(PathBoxes::Node node) const noexcept {
+    return std::min(m_line.LargestIn(m_distances.m_boxes.Box(node)), LargestAtCorners(node, +1.0));
+}
+
+float PathDistances::Bounds::Smallest(PathBoxes::Node node) const noexcept {
+    return std::max(m_line.SmallestIn(m_distances.m_boxes.Box(node)), -LargestAtCorners(node, -1.0));
+}
+
+// Takes the first of the pixels in a range with the largest distance, if it comes before what is largest so far. That distance
+// is the largest numerator divided; since quotients are rounded, others with a slightly smaller one can have the same.
+void PathDistances::TakeLargest(const PathLine& line, float fSign, PathBoxes::Range range,
+                                PathBoxes::Largest& largest) const noexcept {
+    using Floats = float __attribute__((vector_size(16)));
+    constexpr std::size_t kFloats = 4;
+    const float a = fSign * line.A();
+    const float b = fSign * line.B();
+    const float c = fSign * line.C();
+    const auto numerator = [&](std::size_t i) { return m_y[i] * b + m_x[i] * a + c; };
+    const auto load = [](const std::vector<float>& from, std::size_t i) {
+        Floats v;
+        std::memcpy(&v, from.data() + i, sizeof v);
+        return v;
+    };
+    std::size_t i = range.nFirst;
+    float fLargest = numerator(i);
+    if (range.nLast - range.nFirst >= kFloats) {
+        Floats four = load(m_y, i) * b + load(m_x, i) * a + c;
+        for (i += kFloats; i + kFloats <= range.nLast + 1; i += kFloats) {
+            const Floats next = load(m_y, i) * b + load(m_x, i) * a + c;
+            four = next > four ? next : four;
+        }
+        fLargest = std::max({four[0], four[1], four[2], four[3]});
+    }
+    for (; i <= range.nLast; ++i) {
+        fLargest = std::max(fLargest, numerator(i));
+    }
+    const float fDistance = fLargest / line.Length();
+    if (fDistance < largest.fValue || (fDistance == largest.fValue && range.nFirst >= largest.nPosition)) {
+        return;
+    }
+    const float fNearly = fLargest * (1.0F - 8.0F * static_cast<float>(kRounding));
+    for (i = range.nFirst; numerator(i) < fNearly || numerator(i) / line.Length() != fDistance;) {
+        ++i;
+    }
+    if (fDistance > largest.fValue || i < largest.nPosition) {
+        largest = {fDistance, i};
+    }
+}
+
+PathDistances::Extremes PathDistances::FindExtremes(const PathLine& line, PathBoxes::Range stretch) const {
+    const Bounds bounds(*this, line);
+    const auto above = [&](PathBoxes::Range range, PathBoxes::Largest& largest) { TakeLargest(line, +1.0F, range, largest); };
+    const auto below = [&](PathBoxes::Range range, PathBoxes::Largest& largest) { TakeLargest(line, -1.0F, range, largest); };
+    return {m_boxes.FindLargest(stretch, above, [&](PathBoxes::Node node) { return bounds.Largest(node); }),
+            m_boxes.FindLargest(stretch, below, [&](PathBoxes::Node node) { return -bounds.Smallest(node); })};
+}
+
+bool PathDistances::AreWithin(float fMost, const PathLine& line, PathBoxes::Range stretch) const {
+    const Bounds bounds(*this, line);
+    return !m_boxes.FindFirst(
+        stretch, [&](PathBoxes::Node node) { return bounds.Largest(node) > fMost || bounds.Smallest(node) < -fMost; },
+        [&](const PathPoint& pt) { return std::fabs(line.Distance(pt.x, pt.y)) > fMost; });
+}
+
+}  // namespace width
