@@ -1,14 +1,17 @@
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/StretchHull.h"
 
+#include <algorithm>
+
 #include "analysis/Pruning.h"
 
 namespace width {
 
 namespace {
 
-// To cover a stretch is as dear as to prune it about so many times.
-constexpr std::int64_t kPatience = 8;
+// To cover a stretch is as dear as to prune it some dozen times, or more where the path has few fronts. So the hull is tried
+// early, and if it has to be tried again, later and later.
+constexpr std::int64_t kMostPatience = 128;
 
 // Whether no turn of three of the pixels is beyond 32 bits: it is twice the area of a triangle, at most that of the box.
 bool TurnsFit(const PathBox& box) noexcept {
@@ -28,13 +31,13 @@ const std::vector<std::int32_t>& StretchHull::Corners(std::int32_t nFirst, std::
     Side& side = nSide > 0 ? m_kept : m_other;
     const std::int32_t nPixels = nLast - nFirst + 1;
     if (m_bTurnsFit) {
-        if (side.nLookedAt > kPatience * nPixels) {
+        if (side.nLookedAt > side.nPatience * nPixels) {
             const bool bHoldsUsual = nFirst < m_nUsualMiddle && m_nUsualMiddle < nLast;
             side.hull.Cover(nFirst, nLast, bHoldsUsual ? m_nUsualMiddle : nFirst + (nLast - nFirst) / 2);
             side.nLookedAt = 0;
+            side.nPatience = std::min(2 * side.nPatience, kMostPatience);
         }
-        if (const auto nLookedAt = side.hull.Corners(nFirst, nLast, m_corners)) {
-            side.nLookedAt += *nLookedAt;
+        if (side.hull.Corners(nFirst, nLast, m_corners, side.nLookedAt)) {
             return m_corners;
         }
     }

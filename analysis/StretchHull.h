@@ -30,6 +30,7 @@ private:
     struct Side {
         FrontHull hull;
         std::int64_t nLookedAt = 0;  // pixels, one by one, since the hull was last made to cover a stretch
+        std::int64_t nPatience = 8;  // how many times the pixels of a stretch are looked at before that
     };
 
     std::span<const PathPoint> m_path;

@@ -337,24 +337,14 @@ TEST(FrontHull, EqualsPruningTheWholeStretch) {
             const std::int32_t nFrom = test::Below(random, nPixels - 1);
             const std::int32_t nTo = nFrom + 1 + test::Below(random, nPixels - nFrom - 1);
             std::vector<std::int32_t> corners;
-            if (const auto nLookedAt = hull.Corners(nFrom, nTo, corners)) {
+            std::int64_t nLookedAt = 0;
+            if (hull.Corners(nFrom, nTo, corners, nLookedAt)) {
                 ASSERT_EQ(corners, Pruned(path, nFrom, nTo, nSide)) << i << ": " << nFrom << " to " << nTo << ", side " << nSide;
-                nWithPockets += *nLookedAt > 2 && *nLookedAt < (nTo - nFrom) / 2 ? 1 : 0;
+                nWithPockets += nLookedAt > 2 && nLookedAt < (nTo - nFrom) / 2 ? 1 : 0;
             }
         }
     }
     EXPECT_GT(nWithPockets, 10'000);
-}
-
-// What a stretch has before its first front comes in order up to the last step, which goes against the heading.
-TEST(FrontHull, AStretchThatBeginsOutOfOrderIsNotTaken) {
-    constexpr std::array<std::size_t, 18> kDirections = {2, 2, 2, 2, 2, 5, 5, 1, 1, 1, 6, 6, 6, 6, 6, 3, 3, 7};
-    const Path path = Walk(19, [&](std::int32_t i) { return kSteps[kDirections[static_cast<std::size_t>(i) % 18]]; });
-    const PathBoxes boxes(path);
-    FrontHull hull(boxes, -1);
-    hull.Cover(4, 18, 9);
-    std::vector<std::int32_t> corners;
-    EXPECT_TRUE(!hull.Corners(7, 16, corners) || corners == Pruned(path, 7, 16, -1));
 }
 
 // Many stretches of one path: by and by the hull takes over from the plain pruning.

@@ -1,0 +1,42 @@
+// Pixels of a path that come in order along a heading, with pockets between them that don't matter to the pruning. Internal to
+// the analysis.
+// Tested by: tests/unit/analysis/LineSearchTest.cpp (through FrontHull)
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "analysis/PathBoxes.h"
+
+namespace width {
+
+/// A direction, of any length up to 2^17 in each coordinate.
+struct Heading {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+
+    std::int64_t Along(const PathPoint& pt) const noexcept { return x * pt.x + y * pt.y; }
+    std::int64_t Across(const PathPoint& pt) const noexcept { return x * pt.y - y * pt.x; }
+};
+
+/// Each front lies further along the heading than the one before it; or level with it, and level ones follow each other in a
+/// row that runs one way.
+///
+/// What stands between a front and the next one is a pocket. The pruning of a chain that comes to a front and has no blind
+/// pixel right before it then leaves the same as if it went straight to the next front.
+struct PathFronts {
+    Heading heading;
+    std::vector<std::int32_t> positions;  ///< in the path, rising; one at least
+    /// For each front the first position of a pixel before that is blind at it or at a later one; none is a front.
+    std::vector<std::int32_t> firstBlind;
+    std::int32_t nLongestPocket = 0;  ///< in pixels; what is left behind the last front counts as one
+};
+
+/// Fronts from nFirst on, up to nLast if it can be.
+/// boxes  of a path no turn of which wraps
+/// nSide  +1 or -1, as for LineDetector::PruneToHull
+/// Time is in proportion to the pixels. Throws std::bad_alloc.
+PathFronts FindFronts(const PathBoxes& boxes, std::int32_t nSide, const Heading& heading, std::int32_t nFirst,
+                      std::int32_t nLast);
+
+}  // namespace width
