@@ -153,8 +153,8 @@ private:
     }
 
     // The first pixel from which an end of a sector behind the last front does not turn to the kept side, or kNone; nothing if
-    // there is a front among such pixels.
-    std::optional<std::int32_t> FirstBlind(std::int32_t nSectorBegin, std::int32_t nSectorEnd) const {
+    // there is a front among such pixels, or if it would take too long to tell.
+    std::optional<std::int32_t> FirstBlind(std::int32_t nSectorBegin, std::int32_t nSectorEnd) {
         if (Last() == m_nFirst) {
             return kNone;
         }
@@ -173,7 +173,7 @@ private:
         }
         const auto nFirst = static_cast<std::int32_t>(*first);
         for (std::size_t n = m_fronts.size() - 1; n-- > 0 && m_fronts[n] >= nFirst;) {
-            if (isBlind(At(m_fronts[n]))) {
+            if (--m_nLooksLeft <= 0 || isBlind(At(m_fronts[n]))) {
                 return std::nullopt;
             }
         }
