@@ -25,6 +25,8 @@ namespace width {
 
 namespace {
 
+constexpr std::size_t kLeafPixels = 8;  // each is compared with each of another leaf
+
 constexpr std::int64_t kTallest = 46'340;  // the largest number whose square fits 32 bits
 
 std::int64_t SquaredLength(const PathPoint& p, const PathPoint& q) noexcept {
@@ -94,7 +96,7 @@ std::vector<std::size_t> Candidates(std::span<const PathPoint> path) {
             nLargest = std::max(nLargest, SquaredLength(*it, *other));
         }
     }
-    const PathBoxes boxes(path);
+    const PathBoxes boxes(path, kLeafPixels);
     FarPixels distant(boxes, nLargest - (nLargest >> 20) - 1);
     distant.Collect(boxes.Root(), corners);
     return std::move(distant.positions);
@@ -217,7 +219,7 @@ std::int32_t LineDetector::FindFarthestPair(std::span<const PathPoint> path, std
         positions = Candidates(path);
         std::ranges::transform(positions, std::back_inserter(candidates), [&](std::size_t n) { return path[n]; });
     }
-    const PathBoxes boxes(positions.empty() ? path : candidates);
+    const PathBoxes boxes(positions.empty() ? path : candidates, kLeafPixels);
     const PairSearch search(boxes);
     if (search.fLength > 0.0F) {
         const auto position = [&](std::size_t n) { return static_cast<std::int32_t>(positions.empty() ? n : positions[n]); };

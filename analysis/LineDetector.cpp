@@ -72,7 +72,7 @@ std::int32_t LineDetector::IsChainStraight(std::span<const PathPoint> stretch) {
     if (stretch.size() < kShortestStretch) {
         return 0;
     }
-    const PathBoxes boxes(stretch);
+    const PathBoxes boxes(stretch, PathDistances::kLeafPixels);
     return IsStretchStraight(PathDistances(boxes), 0, stretch.size() - 1) ? 1 : 0;
 }
 
@@ -111,7 +111,7 @@ std::int32_t LineDetector::SearchLine() {
         CutOpen();
     }
     const std::span<const PathPoint> path = m_Path;
-    const PathBoxes boxes(path);
+    const PathBoxes boxes(path, PathDistances::kLeafPixels);
     const PathDistances distances(boxes);
     StretchHull hull(boxes, -path.front().nIndex);
     // What a trip does depends on the stretch and the side alone: one that comes again never ends.

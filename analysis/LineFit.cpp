@@ -66,7 +66,7 @@ std::int32_t LineDetector::TrimToStrip() {
     if (m_Path.empty()) {
         return 0;
     }
-    const PathBoxes boxes(m_Path);
+    const PathBoxes boxes(m_Path, PathDistances::kLeafPixels);
     return TrimToStrip(PathDistances(boxes));
 }
 

@@ -35,8 +35,8 @@ std::vector<PathBox> RoundEach(std::size_t nTogether, const Parts& parts) {
 
 }  // namespace
 
-PathBoxes::PathBoxes(std::span<const PathPoint> path) : m_path(path) {
-    m_levels.push_back(RoundEach(kLeafPixels, path));
+PathBoxes::PathBoxes(std::span<const PathPoint> path, std::size_t nLeafPixels) : m_path(path), m_nLeafPixels(nLeafPixels) {
+    m_levels.push_back(RoundEach(nLeafPixels, path));
     while (m_levels.back().size() > 1) {
         m_levels.push_back(RoundEach(2, m_levels.back()));
     }

@@ -1,6 +1,6 @@
 // A path in boxes, so that a search over its pixels can pass over whole stretches. Internal to the analysis.
 //
-// Leaves are boxes round kLeafPixels pixels that follow each other, and each box above is round two. What a search asks for
+// Leaves are boxes round so many pixels that follow each other, and each box above is round two. What a search asks for
 // must have a bound over a box that no pixel in it can exceed in the arithmetic of the answer itself; floating-point
 // operations are monotone, so a formula whose every step rises or falls with the coordinates has its bound in a corner.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
@@ -29,10 +29,10 @@ struct PathBox {
 
 class PathBoxes {
 public:
-    /// path  not empty; must outlive the object. Throws std::bad_alloc.
-    explicit PathBoxes(std::span<const PathPoint> path);
-
-    static constexpr std::size_t kLeafPixels = 64;
+    /// path         not empty; must outlive the object
+    /// nLeafPixels  in each leaf but the last, which may have fewer
+    /// Throws std::bad_alloc.
+    PathBoxes(std::span<const PathPoint> path, std::size_t nLeafPixels);
 
     /// A box by its level (0: leaves) and its place on that level.
     struct Node {
@@ -68,7 +68,7 @@ public:
 
     /// Pixels of a box.
     Range Pixels(Node node) const noexcept {
-        const std::size_t nPixels = kLeafPixels << node.nLevel;
+        const std::size_t nPixels = m_nLeafPixels << node.nLevel;
         return {node.nPlace * nPixels, std::min((node.nPlace + 1) * nPixels, m_path.size()) - 1};
     }
 
@@ -151,6 +151,7 @@ private:
     }
 
     std::span<const PathPoint> m_path;
+    std::size_t m_nLeafPixels;
     std::vector<std::vector<PathBox>> m_levels;
 };
 

@@ -17,6 +17,9 @@ namespace width {
 
 class PathDistances {
 public:
+    /// Leaves of this size suit a search best: to look at them takes about as long as to tell which of them to look at.
+    static constexpr std::size_t kLeafPixels = 256;
+
     /// boxes  must outlive the object, and so must their path. Throws std::bad_alloc.
     explicit PathDistances(const PathBoxes& boxes);
 

@@ -20,6 +20,8 @@ namespace {
 
 using Path = std::vector<PathPoint>;
 
+constexpr std::size_t kLeafPixels = 8;  // few, so that short paths have many leaves
+
 struct Step {
     std::int32_t dx;
     std::int32_t dy;
@@ -198,7 +200,7 @@ TEST(PathBoxes, TheFirstOfTheLargestValuesIsFound) {
         for (std::int32_t n = test::Below(random, 2000); n >= 0; --n) {
             path.push_back({0, test::Below(random, 9) - 2, 0});
         }
-        const PathBoxes boxes(path);
+        const PathBoxes boxes(path, kLeafPixels);
         const auto nFirst = static_cast<std::size_t>(test::Below(random, static_cast<std::int32_t>(path.size())));
         const std::size_t nLast = nFirst + random() % (path.size() - nFirst);
         const PathBoxes::Largest found = boxes.FindLargest(
@@ -229,14 +231,13 @@ TEST(PathDistances, NoPixelIsFartherThanItsNodesBound) {
         for (PathPoint& pt : path) {
             pt = {pt.nIndex, pt.x + offset.dx, pt.y + offset.dy};
         }
-        const PathBoxes boxes(path);
+        const PathBoxes boxes(path, kLeafPixels);
         const PathDistances pathDistances(boxes);
         const PathLine line(path[random() % 100], path[300 + random() % 100]);
         const PathDistances::Bounds bounds(pathDistances, line);
         for (std::size_t n = 0; n < path.size(); ++n) {
             const float fDistance = line.Distance(path[n].x, path[n].y);
-            for (std::size_t nLevel = 0, nPlace = n / PathBoxes::kLeafPixels; nLevel <= boxes.Root().nLevel;
-                 ++nLevel, nPlace /= 2) {
+            for (std::size_t nLevel = 0, nPlace = n / kLeafPixels; nLevel <= boxes.Root().nLevel; ++nLevel, nPlace /= 2) {
                 ASSERT_LE(fDistance, bounds.Largest({nLevel, nPlace}));
                 ASSERT_GE(fDistance, bounds.Smallest({nLevel, nPlace}));
                 fTightest = std::min(fTightest, bounds.Largest({nLevel, nPlace}) - fDistance);
@@ -261,7 +262,7 @@ TEST(PathDistances, TheFirstOfTheFarthestPixelsIsFound) {
             pt.y += nOffset;
         }
         path = Turned(path, i % 8);
-        const PathBoxes boxes(path);
+        const PathBoxes boxes(path, kLeafPixels);
         const PathDistances distances(boxes);
         const std::size_t nFirst = random() % path.size();
         const std::size_t nLast = nFirst + random() % (path.size() - nFirst);
@@ -328,7 +329,7 @@ TEST(FrontHull, EqualsPruningTheWholeStretch) {
     for (int i = 0; i < 10'000; ++i) {
         const std::int32_t nPixels = 4 + test::Below(random, i % 4 == 0 ? 400 : 120);
         const Path path = AnyPath(random, nPixels);
-        const PathBoxes boxes(path);
+        const PathBoxes boxes(path, kLeafPixels);
         const std::int32_t nSide = i % 2 == 0 ? +1 : -1;
         FrontHull hull(boxes, nSide);
         const std::int32_t nStart = test::Below(random, 1 + nPixels / 4);
@@ -353,7 +354,7 @@ TEST(StretchHull, EqualsPruningTheWholeStretch) {
     for (int i = 0; i < 300; ++i) {
         const std::int32_t nPixels = 3 + test::Below(random, 120);
         const Path path = AnyPath(random, nPixels);
-        const PathBoxes boxes(path);
+        const PathBoxes boxes(path, kLeafPixels);
         StretchHull hull(boxes, nPixels / 2);
         for (int n = 0; n < 60; ++n) {
             const std::int32_t nFrom = test::Below(random, nPixels - 1);
@@ -371,7 +372,7 @@ TEST(StretchHull, EqualsPruningWhereTurnsWrap) {
     const Path path = Walk(100'000, [](std::int32_t i) {
         return i % 5'000 == 7 ? Step{1, 1} : i < 50'000 ? Step{1, 0} : Step{0, 1};
     });
-    const PathBoxes boxes(path);
+    const PathBoxes boxes(path, kLeafPixels);
     StretchHull hull(boxes, 50'000);
     for (int n = 0; n < 20; ++n) {  // often enough for the hull to take over if it could
         for (const std::int32_t nSide : {+1, -1}) {
