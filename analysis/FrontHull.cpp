@@ -2,8 +2,9 @@
 // runs one way. The scan then never meets a pixel behind its last corners and keeps what every scan of sorted points keeps.
 //
 // What is left of a stretch's pixels before its first front joins in if the last step of it goes ahead. Then all steps behind
-// its last step back do, in order with the fronts; and to where that step goes the scan never falls back, since from there the
-// fronts lie ahead and not to the side of the step where a turn is not kept.
+// its last step back do, in order with the fronts; and the scan never lets go of where that step goes. A front that lets go of
+// all behind it lies ahead of it and on or beyond the line of the first step ahead, on the side away from the kept one; that
+// step turned to the kept side by less than half a turn, so the front turns there too.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/FrontHull.h"
 
@@ -30,8 +31,8 @@ void FrontHull::Cover(std::int32_t nFirst, std::int32_t nLast, std::int32_t nMid
     PointInwards(nMiddle);
 }
 
-// Those that no step goes against; where there is none, the stretch's chord turned more and more to the kept side, so that
-// what leans back that way does not go against it.
+// An axis that no step goes against. If there is none: the chord turned to the kept side by half a right angle, which serves
+// most teeth that lean back; the chord itself; then the chord turned further.
 std::vector<Heading> FrontHull::Headings(std::int32_t nFirst, std::int32_t nLast) const {
     constexpr std::array<Heading, 8> kAxes = {{{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
     for (const Heading& axis : kAxes) {

@@ -24,7 +24,7 @@ public:
     FrontHull(const PathBoxes& boxes, std::int32_t nSide) noexcept : m_boxes(boxes), m_path(boxes.Path()), m_nSide(nSide) {}
 
     /// Finds fronts from nFirst on, up to nLast if it can, with pockets as short as it can, and the hulls on both sides of the
-    /// front nearest to nMiddle. Looks at each pixel a few times. Throws std::bad_alloc.
+    /// first front from nMiddle on. Looks at each pixel some dozen times at most. Throws std::bad_alloc.
     void Cover(std::int32_t nFirst, std::int32_t nLast, std::int32_t nMiddle);
 
     /// What LineDetector::PruneToHull leaves of the chain of all positions from nFirst to nLast.

@@ -3,8 +3,9 @@
 // The pruning of a chain that begins at a has let go of the whole pocket when it comes to c: that is tried, pixel by pixel. In
 // a longer chain it does the same behind a for as long as a stays. Only a pixel that comes to stand right behind a can take
 // its place, and it does if it does not turn to the kept side on the way from p over a, where p is what is left right before a.
-// From a, those pixels lie in a sector of less than half a turn, since each has taken the place of the one before it. So if
-// both ends of the sector turn to the kept side from p, all do, a stays, and c meets it as if the pocket were not there.
+// Seen from a, each of those pixels lies further round, away from the kept side, than the one before it; the search gives up
+// where they come to half a turn, so all lie in the sector from the first to the last. If both ends of the sector turn to the
+// kept side from p, all do, a stays, and c meets it as if the pocket were not there.
 //
 // Both ends must do so from all fronts before a, or c is not taken for the next one. Another pixel from which one does not is
 // blind at a; it can be p only in a stretch that begins nearby, since all others have left its pocket.

@@ -10,7 +10,7 @@
 
 namespace width {
 
-/// A direction, of any length up to 2^17 in each coordinate.
+/// A direction, up to 2^30 in each coordinate.
 struct Heading {
     std::int64_t x = 0;
     std::int64_t y = 0;
@@ -22,12 +22,14 @@ struct Heading {
 /// Each front lies further along the heading than the one before it; or level with it, and level ones follow each other in a
 /// row that runs one way.
 ///
-/// What stands between a front and the next one is a pocket. The pruning of a chain that comes to a front and has no blind
+/// What stands between a front and the next one is a pocket. A pixel is blind at a front if, left right before it in a chain, it
+/// could let the pocket behind the front take the front's place. The pruning of a chain that comes to a front and has no blind
 /// pixel right before it then leaves the same as if it went straight to the next front.
 struct PathFronts {
     Heading heading;
     std::vector<std::int32_t> positions;  ///< in the path, rising; one at least
-    /// For each front the first position of a pixel before that is blind at it or at a later one; none is a front.
+    /// For each front the first position of a pixel that is blind at it or at a later front, and the largest number where there
+    /// is none; no front is blind at a later one.
     std::vector<std::int32_t> firstBlind;
     std::int32_t nLongestPocket = 0;  ///< in pixels; what is left behind the last front counts as one
 };

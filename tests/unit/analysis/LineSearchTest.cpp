@@ -348,6 +348,18 @@ TEST(FrontHull, EqualsPruningTheWholeStretch) {
     EXPECT_GT(nWithPockets, 10'000);
 }
 
+// A pixel that is blind at a front far behind the one where the stretch would join in.
+TEST(FrontHull, ABlindPixelKeepsAStretchFromJoining) {
+    const Path path = {{0, 9, -16},  {1, 11, -4},  {2, 8, -18},  {3, 12, -29},
+                       {4, 24, -26}, {5, 35, -38}, {6, 26, -27}, {7, 36, -42}};
+    const PathBoxes boxes(path, kLeafPixels);
+    FrontHull hull(boxes, +1);
+    hull.Cover(0, 7, 2);
+    std::vector<std::int32_t> corners;
+    std::int64_t nLookedAt = 0;
+    EXPECT_TRUE(!hull.Corners(1, 6, corners, nLookedAt) || corners == Pruned(path, 1, 6, +1));
+}
+
 // Many stretches of one path: by and by the hull takes over from the plain pruning.
 TEST(StretchHull, EqualsPruningTheWholeStretch) {
     std::mt19937 random(13);
