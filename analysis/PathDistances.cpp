@@ -87,8 +87,9 @@ float PathDistances::Bounds::Smallest(PathBoxes::Node node) const noexcept {
     return std::max(m_line.SmallestIn(m_distances.m_boxes.Box(node)), -LargestAtCorners(node, -1.0));
 }
 
-// Takes the first of the pixels in a range with the largest distance, if it comes before what is largest so far. That distance
-// is the largest numerator divided; since quotients are rounded, others with a slightly smaller one can have the same.
+// Finds the first pixel of a range with the range's largest distance; it counts if that is larger than the largest so far, or as
+// large and in front of it, which then lies behind the range. That distance is the largest numerator divided; since quotients
+// are rounded, others with a numerator smaller by two roundings at most can have the same.
 void PathDistances::TakeLargest(const PathLine& line, float fSign, PathBoxes::Range range,
                                 PathBoxes::Largest& largest) const noexcept {
     using Floats = float __attribute__((vector_size(16)));
@@ -123,9 +124,7 @@ void PathDistances::TakeLargest(const PathLine& line, float fSign, PathBoxes::Ra
     for (i = range.nFirst; numerator(i) < fNearly || numerator(i) / line.Length() != fDistance;) {
         ++i;
     }
-    if (fDistance > largest.fValue || i < largest.nPosition) {
-        largest = {fDistance, i};
-    }
+    largest = {fDistance, i};
 }
 
 PathDistances::Extremes PathDistances::FindExtremes(const PathLine& line, PathBoxes::Range stretch) const {

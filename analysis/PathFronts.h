@@ -37,7 +37,8 @@ struct PathFronts {
 /// Fronts from nFirst on, up to nLast if it can be.
 /// boxes  of a path no turn of which wraps
 /// nSide  +1 or -1, as for LineDetector::PruneToHull
-/// Time is in proportion to the pixels. Throws std::bad_alloc.
+/// nFirst, nLast  positions in the path, the first not behind the last
+/// Looks at some eight times as many pixels at most; each pocket asks the boxes once. Throws std::bad_alloc.
 PathFronts FindFronts(const PathBoxes& boxes, std::int32_t nSide, const Heading& heading, std::int32_t nFirst,
                       std::int32_t nLast);
 

@@ -24,11 +24,11 @@ StretchHull::StretchHull(const PathBoxes& boxes, std::int32_t nMiddle) noexcept
     : m_path(boxes.Path()),
       m_nUsualMiddle(nMiddle),
       m_bTurnsFit(TurnsFit(boxes.Box(boxes.Root()))),
-      m_kept{FrontHull(boxes, +1)},
-      m_other{FrontHull(boxes, -1)} {}
+      m_clockwise{FrontHull(boxes, +1)},
+      m_anticlockwise{FrontHull(boxes, -1)} {}
 
 const std::vector<std::int32_t>& StretchHull::Corners(std::int32_t nFirst, std::int32_t nLast, std::int32_t nSide) {
-    Side& side = nSide > 0 ? m_kept : m_other;
+    Side& side = nSide > 0 ? m_clockwise : m_anticlockwise;
     const std::int32_t nPixels = nLast - nFirst + 1;
     if (m_bTurnsFit) {
         if (side.nLookedAt > side.nPatience * nPixels) {

@@ -36,8 +36,8 @@ private:
     std::span<const PathPoint> m_path;
     std::int32_t m_nUsualMiddle;
     bool m_bTurnsFit;
-    Side m_kept;
-    Side m_other;
+    Side m_clockwise;
+    Side m_anticlockwise;
     std::vector<std::int32_t> m_corners;
 };
 
