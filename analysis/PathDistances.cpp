@@ -1,5 +1,7 @@
 // Hull corners are compared with the line in double precision. The numerator of a pixel's distance in single precision
-// differs from the true one by less than m_error, so that much is added; the quotient is rounded up.
+// differs from the true one by less than m_error, so that much is added; the quotient is rounded up. Where no product in any
+// numerator is rounded, what is left of the distance is monotone, and the bound is the largest distance itself: tops that are
+// equally far are passed over once one of them is found.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/PathDistances.h"
 
@@ -16,6 +18,7 @@ namespace width {
 namespace {
 
 constexpr double kRounding = 1.0 / (1 << 24);  // of a float, as a part of it
+constexpr double kMostExact = 1 << 24;         // whole numbers up to this are floats
 
 }  // namespace
 
@@ -63,8 +66,14 @@ PathDistances::Bounds::Bounds(const PathDistances& distances, const PathLine& li
     const PathBox& all = distances.m_boxes.Box(distances.m_boxes.Root());
     const double x = std::max(std::fabs(static_cast<double>(all.xLow)), std::fabs(static_cast<double>(all.xHigh)));
     const double y = std::max(std::fabs(static_cast<double>(all.yLow)), std::fabs(static_cast<double>(all.yHigh)));
-    const double fOfProduct = std::max(x, y) <= 1.0 / kRounding ? 1.01 : 2.01;
-    m_error = kRounding * (fOfProduct * (std::fabs(line.A()) * x + std::fabs(line.B()) * y) + 1.01 * std::fabs(line.C()));
+    const double ax = std::fabs(line.A()) * x;
+    const double by = std::fabs(line.B()) * y;
+    const double fOfProduct = std::max(x, y) <= kMostExact ? 1.01 : 2.01;
+    m_error = kRounding * (fOfProduct * (ax + by) + 1.01 * std::fabs(line.C()));
+    // Products are multiples of the highest power of two that is a factor of a and b, and such multiples are floats up to 2^24
+    // times that power. A coordinate that is no float makes its product too large, or has the factor 0.
+    const std::int64_t nBits = static_cast<std::int64_t>(line.A()) | static_cast<std::int64_t>(line.B());
+    m_bProductsExact = std::max(ax, by) <= kMostExact * static_cast<double>(nBits & -nBits);
 }
 
 float PathDistances::Bounds::LargestAtCorners(PathBoxes::Node node, double fSign) const noexcept {
@@ -73,6 +82,9 @@ float PathDistances::Bounds::LargestAtCorners(PathBoxes::Node node, double fSign
     double fLargest = -std::numeric_limits<double>::infinity();
     for (const PathPoint& pt : m_distances.Corners(node)) {
         fLargest = std::max(fLargest, a * pt.x + b * pt.y);
+    }
+    if (m_bProductsExact) {
+        return (static_cast<float>(fLargest) + static_cast<float>(fSign) * m_line.C()) / m_line.Length();
     }
     const double fNumerator = fLargest + fSign * m_line.C();
     const double fBound = (fNumerator + 2.01 * kRounding * std::fabs(fNumerator) + m_error) / m_line.Length();

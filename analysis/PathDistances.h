@@ -53,6 +53,7 @@ public:
 
         const PathDistances& m_distances;
         const PathLine& m_line;
+        bool m_bProductsExact;
         double m_error;
     };
 

@@ -26,6 +26,9 @@ public:
     /// returns  positions in rising order, good until the next call. Throws std::bad_alloc.
     const std::vector<std::int32_t>& Corners(std::int32_t nFirst, std::int32_t nLast, std::int32_t nSide);
 
+    /// How many pixels all stretches so far had looked at, one by one; not what it took to find what they have in common.
+    std::int64_t PixelsLookedAt() const noexcept { return m_nPixelsLookedAt; }
+
 private:
     struct Side {
         FrontHull hull;
@@ -38,6 +41,7 @@ private:
     bool m_bTurnsFit;
     Side m_clockwise;
     Side m_anticlockwise;
+    std::int64_t m_nPixelsLookedAt = 0;
     std::vector<std::int32_t> m_corners;
 };
 

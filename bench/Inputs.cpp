@@ -268,6 +268,18 @@ PathMap UnevenWaves(std::int32_t nPixels) {
     return Walk(nPixels, [](std::int32_t i) { return Step{-1, i % 9 < 5 ? 1 : -1}; });
 }
 
+PathMap SlantingComb(std::int32_t nPixels) {
+    constexpr std::int32_t kTooth = 24;
+    constexpr std::int32_t kRow = 2 * kTooth + 5;
+    return Walk(nPixels, [=](std::int32_t i) {
+        const std::int32_t nInRow = (nPixels - 2 - i + kTooth) % kRow;  // ends on a top
+        if (nInRow == kRow - 1) {
+            return Step{1, 1};
+        }
+        return nInRow % (kTooth + 2) >= kTooth ? Step{1, 0} : Step{0, nInRow < kTooth ? 1 : -1};
+    });
+}
+
 std::vector<PathPoint> CirclePath(std::int32_t nPixels) {
     constexpr double kPixelsPerRadius = 5.656854249492381;  // of a circle in eight-connected pixels: 4 times the root of 2
     const double fRadius = nPixels / kPixelsPerRadius;

@@ -57,6 +57,8 @@ PathMap Stairs(std::int32_t nPixels);
 PathMap LeaningTeeth(std::int32_t nPixels);
 /// Five pixels uphill, four downhill: many tops that are equally far from what is trimmed, but for roundings.
 PathMap UnevenWaves(std::int32_t nPixels);
+/// Upright teeth, two pixels wide and each a little higher than the one before, whose tops are equally far from what is trimmed.
+PathMap SlantingComb(std::int32_t nPixels);
 
 /// The pixels of a circle, about nPixels of them, in order: the worst case for the farthest pair.
 std::vector<PathPoint> CirclePath(std::int32_t nPixels);

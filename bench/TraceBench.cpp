@@ -82,6 +82,7 @@ const bool g_bAdded = [] {
     AddSearch("stairs", Stairs, 40'000);  // as many as a map of 400 MB holds
     AddSearch("uneven waves", UnevenWaves, 60'000);
     AddSearch("leaning teeth", LeaningTeeth, 100'000);
+    AddSearch("slanting comb", SlantingComb, 96'090);
     AddFarthestPair(20'000);
     AddFarthestPair(100'000);
     return true;

@@ -221,30 +221,72 @@ TEST(PathBoxes, TheFirstOfTheLargestValuesIsFound) {
     }
 }
 
-// Slanting paths far from the origin, where single precision is off by more than the pixels differ.
+// Slanting paths: near the origin, where every step of a distance is exact, and as far from it as coordinates go, where single
+// precision is off by more than the pixels differ; steps of 1, 3 and 4, since powers of two keep more of them exact. Lines
+// through the path, and beside it.
 TEST(PathDistances, NoPixelIsFartherThanItsNodesBound) {
     std::mt19937 random(16);
     float fTightest = 1000.0F;
-    for (int i = 0; i < 60; ++i) {
-        Path path = Walk(400, [&](std::int32_t) { return Step{1, test::Below(random, 4) == 0 ? 0 : 1}; });
-        const Step offset{test::Below(random, 200'000), test::Below(random, 200'000)};
+    for (int i = 0; i < 4000; ++i) {
+        const std::array<std::int32_t, 4> reaches = {4'000, 200'000, 30'000'000, 1 << 30};
+        const std::int32_t nReach = reaches[random() % reaches.size()];
+        const std::int32_t nStep = std::array{1, 3, 4}[random() % 3];
+        Path path = Turned(Walk(400,
+                                [&](std::int32_t) {
+                                    return Step{nStep, test::Below(random, 4) == 0 ? 0 : nStep};
+                                }),
+                           test::Below(random, 8));
+        const Step offset{test::Below(random, 2 * nReach) - nReach, test::Below(random, 2 * nReach) - nReach};
         for (PathPoint& pt : path) {
             pt = {pt.nIndex, pt.x + offset.dx, pt.y + offset.dy};
         }
         const PathBoxes boxes(path, kLeafPixels);
         const PathDistances pathDistances(boxes);
-        const PathLine line(path[random() % 100], path[300 + random() % 100]);
+        const std::int32_t nBeside = i % 2 == 0 ? 0 : test::Below(random, 40'000);
+        const PathPoint ptFrom = path[random() % 100];
+        const PathPoint ptTo = path[300 + random() % 100];
+        const PathLine line({0, ptFrom.x + nBeside, ptFrom.y}, {0, ptTo.x + nBeside, ptTo.y});
         const PathDistances::Bounds bounds(pathDistances, line);
+        float fLargest = -1e30F;
         for (std::size_t n = 0; n < path.size(); ++n) {
             const float fDistance = line.Distance(path[n].x, path[n].y);
+            fLargest = std::max(fLargest, fDistance);
             for (std::size_t nLevel = 0, nPlace = n / kLeafPixels; nLevel <= boxes.Root().nLevel; ++nLevel, nPlace /= 2) {
-                ASSERT_LE(fDistance, bounds.Largest({nLevel, nPlace}));
-                ASSERT_GE(fDistance, bounds.Smallest({nLevel, nPlace}));
-                fTightest = std::min(fTightest, bounds.Largest({nLevel, nPlace}) - fDistance);
+                ASSERT_LE(fDistance, bounds.Largest({nLevel, nPlace})) << i;
+                ASSERT_GE(fDistance, bounds.Smallest({nLevel, nPlace})) << i;
             }
+        }
+        const float fLoose = bounds.Largest(boxes.Root()) - fLargest;
+        if (nReach == reaches[0]) {
+            ASSERT_EQ(fLoose, 0.0F) << "of tops that are equally far all would be looked at";
+        } else if (nReach == reaches[1]) {
+            fTightest = std::min(fTightest, fLoose);
         }
     }
     EXPECT_LT(fTightest, 0.1F) << "a bound that is never near is of no use";
+}
+
+// How far the farthest pixel is, just that, and a little less.
+TEST(PathDistances, AreWithinWhatTheFarthestIs) {
+    std::mt19937 random(19);
+    for (int i = 0; i < 500; ++i) {
+        const Path path = Turned(Walk(2 + test::Below(random, 600),
+                                      [&](std::int32_t) {
+                                          return Step{1, test::Below(random, 3) - 1};
+                                      }),
+                                 i % 8);
+        const PathBoxes boxes(path, kLeafPixels);
+        const PathDistances distances(boxes);
+        const std::size_t nLast = 1 + random() % (path.size() - 1);
+        const std::size_t nFirst = random() % nLast;
+        const PathLine line(path[nFirst], path[nLast]);
+        float fFarthest = 0.0F;
+        for (std::size_t n = nFirst; n <= nLast; ++n) {
+            fFarthest = std::max(fFarthest, std::fabs(line.Distance(path[n].x, path[n].y)));
+        }
+        EXPECT_TRUE(distances.AreWithin(fFarthest, line, {nFirst, nLast})) << i;
+        EXPECT_FALSE(distances.AreWithin(std::nextafter(fFarthest, -1.0F), line, {nFirst, nLast})) << i;
+    }
 }
 
 // Tops of waves that are equally far but for roundings, far from the origin; and from a line far away, where different
@@ -360,6 +402,14 @@ TEST(FrontHull, ABlindPixelKeepsAStretchFromJoining) {
     EXPECT_TRUE(!hull.Corners(1, 6, corners, nLookedAt) || corners == Pruned(path, 1, 6, +1));
 }
 
+// Teeth that lean back over pixels which were in order: without those the next tooth is within reach.
+TEST(PathFronts, FrontsGiveWayToThePocketOverThem) {
+    constexpr std::array<std::size_t, 15> kRow = {5, 5, 5, 4, 4, 4, 4, 4, 4, 4, 3, 3, 3, 2, 7};
+    const Path path = Walk(4'000, [&](std::int32_t i) { return kSteps[kRow[static_cast<std::size_t>(i) % kRow.size()]]; });
+    const PathBoxes boxes(path, kLeafPixels);
+    EXPECT_LT(FindFronts(boxes, -1, {-2, -1}, 0, 3'999).nLongestPocket, 20);
+}
+
 // Many stretches of one path: by and by the hull takes over from the plain pruning.
 TEST(StretchHull, EqualsPruningTheWholeStretch) {
     std::mt19937 random(13);
@@ -377,6 +427,18 @@ TEST(StretchHull, EqualsPruningTheWholeStretch) {
             }
         }
     }
+}
+
+// A narrowing that drops a tooth at a time would look at 2,000 times 30,000 pixels.
+TEST(StretchHull, TheHullTakesOver) {
+    constexpr std::array<std::size_t, 15> kRow = {0, 0, 0, 0, 0, 0, 3, 3, 3, 0, 0, 0, 7, 7, 7};
+    const Path path = Walk(60'000, [&](std::int32_t i) { return kSteps[kRow[static_cast<std::size_t>(i) % kRow.size()]]; });
+    const PathBoxes boxes(path, PathDistances::kLeafPixels);
+    StretchHull hull(boxes, 30'000);
+    for (std::int32_t n = 0; n < 29'990; n += 15) {
+        hull.Corners(n, 59'999 - n, n % 2 == 0 ? +1 : -1);
+    }
+    EXPECT_LT(hull.PixelsLookedAt(), 40 * 60'000);
 }
 
 // A turn of 50,000 by 50,000 pixels wraps, and the pruning goes by its wrong sign.
