@@ -1,12 +1,13 @@
 // The order of the fast passes, and how two threads share them.
 //
 // A seam divides the rows into two bands. In the first sweep each band's rows are done from the picture's edge to the
-// seam, by the two one-sided passes that come from that edge: half distances, which go into the result's own cells. In
-// the second sweep each band goes back from the seam to the edge; the passes that come over the seam go on from where the
-// other band left them, so that every row gets both halves, and the marks of ridges and plateaus follow a row or two
-// behind. Nothing is done twice, whoever does it: one thread takes a seam at the bottom edge, and one of the bands has no
-// rows. Marks are bits; block reduction turns them into the skeleton's bits, and these become cells. Block reduction goes
-// upwards only, so its two turns are what two threads share.
+// seam, by the two one-sided passes that come from that edge: half distances, which go into the result's own cells. The
+// seam is where the two meet: a processor that has less time for one of them gives it fewer rows. In the second sweep each
+// band goes back from the seam to the edge; the passes that come over the seam go on from where the other band left them,
+// so that every row gets both halves, and the marks of ridges and plateaus follow a row or two behind. Nothing is done
+// twice, whoever does it: with one thread the seam is the bottom edge, and one of the bands has no rows. Marks are bits; block
+// reduction turns them into the skeleton's bits, and these become cells. Block reduction goes upwards only, so its two turns are
+// what two threads share.
 //
 // Beyond the picture a run touches a byte a pixel for the result, two bits for marks, and a few rows.
 // Tested by: tests/unit/analysis/FastSkeletonTest.cpp
@@ -30,7 +31,8 @@ namespace width::fast {
 
 namespace {
 
-constexpr std::ptrdiff_t kSeamRows = 6;  // distances that the marks of rows beside the seam depend on: 3 on either side
+constexpr std::ptrdiff_t kSeamRows =
+    std::ptrdiff_t{2} * kFewestBandRows;  // distances that the marks of rows beside the seam depend on
 
 // Rows on one side of the seam, and room for one thread's work on them.
 struct Band {
@@ -43,22 +45,22 @@ struct Band {
 
     Strips strips;
     HalfDistance half;
-    std::ptrdiff_t nOuter = 0;  // row at the picture's edge
-    std::ptrdiff_t nInner = 0;  // row at the seam
-    std::ptrdiff_t nOut = 1;    // from the seam to the edge: +1 or -1
-    bool bEmpty = false;
+    std::ptrdiff_t nOuter = 0;    // row at the picture's edge
+    std::ptrdiff_t nInner = 0;    // row at the seam, once the first sweep is done
+    std::ptrdiff_t nOut = 1;      // from the seam to the edge: +1 or -1
+    std::ptrdiff_t nOwnRows = 0;  // at the edge, that are left to nobody else
 };
 
 class SkeletonRun {
 public:
-    SkeletonRun(const DibView& dib, GreyWindow window, InstructionSet set, int nThreads)
+    // Rows that the bands don't have to themselves go to whichever comes first.
+    SkeletonRun(const DibView& dib, GreyWindow window, InstructionSet set, std::ptrdiff_t nLowerRows, std::ptrdiff_t nUpperRows)
         : m_passes(RowPassesFor(set)),
           m_foreground(dib, window, m_passes),
           m_map(SkeletonMap::ForOverwriting(dib.Height(), dib.Width())),
           m_nHeight(dib.Height()),
           m_nWidth(dib.Width()),
           m_nWords(WordsFor(dib.Width())),
-          m_nSeam(nThreads > 1 && dib.Height() >= 2 * kSeamRows ? dib.Height() / 2 : 0),
           m_words(std::make_unique_for_overwrite<std::uint64_t[]>(static_cast<std::size_t>(2 * m_nWords * m_nHeight))),
           m_ridges{m_words.get(), m_nWords, m_nHeight},
           m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
@@ -67,12 +69,12 @@ public:
           m_seamRows(kSeamRows, m_nWidth),
           m_lower(m_passes, m_nWidth),
           m_upper(m_passes, m_nWidth),
-          m_threads(m_nSeam > 0) {
-        m_lower.nInner = m_nSeam - 1;
+          m_nRowsToShare(m_nHeight - nLowerRows - nUpperRows),
+          m_threads(nLowerRows > 0) {
         m_lower.nOut = -1;
-        m_lower.bEmpty = m_nSeam == 0;
-        m_upper.nInner = m_nSeam;
+        m_lower.nOwnRows = nLowerRows;
         m_upper.nOuter = m_nHeight - 1;
+        m_upper.nOwnRows = nUpperRows;
         for (std::ptrdiff_t x = 1; x + 2 < m_nWidth; ++x) {
             m_inner[static_cast<std::size_t>(x / kWordColumns)] |= std::uint64_t{1} << (x % kWordColumns);
         }
@@ -80,10 +82,11 @@ public:
 
     SkeletonMap Run() noexcept {
         Share([this](Band& band) { SweepInwards(band); });
+        m_nSeam = m_upper.nInner;
         const bool bMayWrap = m_lower.half.MayWrap() || m_upper.half.MayWrap();
         ExchangeStates(bMayWrap);
         Share([&](Band& band) { SweepOutwards(band, bMayWrap); });
-        if (!m_lower.bEmpty) {
+        if (m_nSeam > 0) {
             MarkSeam();
         }
         FillBorderRows();
@@ -95,7 +98,7 @@ private:
     // Does the same with both bands at a time, or with the only one that has rows.
     template <class Work>
     void Share(Work work) noexcept {
-        if (m_lower.bEmpty) {
+        if (m_lower.nOwnRows == 0) {
             return work(m_upper);
         }
         m_threads.RunBoth([&] { work(m_lower); }, [&] { work(m_upper); });
@@ -106,16 +109,24 @@ private:
         return m_map.Row(static_cast<std::int32_t>(s) + SkeletonMap::kBorder) + SkeletonMap::kBorder;
     }
 
-    // Half distances of a band; the foreground stays behind where ridges will be.
+    // Half distances of a band, up to where the other one is; the foreground stays behind where ridges will be.
     void SweepInwards(Band& band) noexcept {
-        for (std::ptrdiff_t s = band.nOuter;; s -= band.nOut) {
-            const std::ptrdiff_t nRowsAhead = s == band.nInner ? 0 : -band.nOut;
-            m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
-            band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
-            if (s == band.nInner) {
-                break;
+        std::ptrdiff_t s = band.nOuter;
+        for (std::ptrdiff_t nRows = band.nOwnRows; nRows > 0; nRows = TakeRows()) {
+            for (; nRows > 0; --nRows, s -= band.nOut) {
+                const bool bAtEdge = s == m_nHeight - 1 - band.nOuter;
+                const std::ptrdiff_t nRowsAhead = bAtEdge ? 0 : -band.nOut;
+                m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
+                band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
+                band.nInner = s;
             }
         }
+    }
+
+    // How many more rows the band that asks may do.
+    std::ptrdiff_t TakeRows() noexcept {
+        constexpr std::ptrdiff_t kRowsAtATime = 16;
+        return std::clamp(m_nRowsToShare.fetch_sub(kRowsAtATime, std::memory_order_relaxed), std::ptrdiff_t{0}, kRowsAtATime);
     }
 
     // Each band's second sweep goes on from the other's first. Where nothing wraps, the smaller of two passes is enough.
@@ -131,7 +142,7 @@ private:
     void SweepOutwards(Band& band, bool bMayWrap) noexcept {
         for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
             MeasureRow(band, s, bMayWrap);
-            if (!m_lower.bEmpty && s >= m_nSeam - kSeamRows / 2 && s < m_nSeam + kSeamRows / 2) {
+            if (m_nSeam > 0 && s >= m_nSeam - kSeamRows / 2 && s < m_nSeam + kSeamRows / 2) {
                 std::memcpy(SeamRow(s), band.Distance(s), static_cast<std::size_t>(m_nWords * kWordColumns));
             }
             MarkBehind(band, s);
@@ -164,7 +175,7 @@ private:
             }
             return;
         }
-        const std::ptrdiff_t nFirst = m_lower.bEmpty ? 0 : m_nSeam + 1;
+        const std::ptrdiff_t nFirst = m_nSeam == 0 ? 0 : m_nSeam + 1;
         const std::ptrdiff_t nLast = s == m_nHeight - 1 ? s : s - 2;
         for (std::ptrdiff_t t = s - 2; t <= nLast; ++t) {
             if (t >= nFirst) {
@@ -241,7 +252,7 @@ private:
     std::ptrdiff_t m_nHeight;
     std::ptrdiff_t m_nWidth;
     std::ptrdiff_t m_nWords;
-    std::ptrdiff_t m_nSeam;
+    std::ptrdiff_t m_nSeam = 0;  // first row of the upper band, once the first sweep is done
     std::unique_ptr<std::uint64_t[]> m_words;
     BitRows m_ridges;
     BitRows m_plateaus;
@@ -251,7 +262,8 @@ private:
     Strips m_seamRows;
     Band m_lower;
     Band m_upper;
-    ThreadPair<> m_threads;  // ends before what it works on goes
+    std::atomic<std::ptrdiff_t> m_nRowsToShare;  // that neither band has taken yet
+    ThreadPair<> m_threads;                      // ends before what it works on goes
 };
 
 }  // namespace
@@ -263,7 +275,14 @@ SkeletonMap MakeSkeleton(const DibView& dib, GreyWindow window, InstructionSet s
     if (!IsReadableDepth(dib.BitCount())) {
         return {dib.Height(), dib.Width()};
     }
-    return SkeletonRun(dib, window, set, nThreads).Run();
+    if (nThreads > 1 && dib.Height() >= 2 * kFewestBandRows) {
+        return SkeletonRun(dib, window, set, kFewestBandRows, kFewestBandRows).Run();
+    }
+    return SkeletonRun(dib, window, set, 0, dib.Height()).Run();
+}
+
+SkeletonMap MakeSkeletonInBands(const DibView& dib, GreyWindow window, InstructionSet set, std::int32_t nLowerRows) {
+    return SkeletonRun(dib, window, set, nLowerRows, dib.Height() - nLowerRows).Run();
 }
 
 int ThreadsFor(const DibView& dib) noexcept {

@@ -12,6 +12,15 @@ namespace width::fast {
 /// nThreads  1 or 2; two that can't be had do as one
 SkeletonMap MakeSkeleton(const DibView& dib, GreyWindow window, InstructionSet set, int nThreads);
 
+/// Rows that each of two threads has to itself at least.
+constexpr std::int32_t kFewestBandRows = 3;
+
+/// The same by vectors and two threads that share the rows in a given way, not as they get there. Which way must not matter.
+/// dib         of a depth that can be read
+/// set         not Plain
+/// nLowerRows  that one thread does; from kFewestBandRows on, and as many must be left to the other
+SkeletonMap MakeSkeletonInBands(const DibView& dib, GreyWindow window, InstructionSet set, std::int32_t nLowerRows);
+
 /// How many threads a picture is worth on this machine.
 int ThreadsFor(const DibView& dib) noexcept;
 

@@ -29,18 +29,33 @@ std::vector<InstructionSet> Sets() {
     return sets;
 }
 
-// The result is compared and the picture must be as it was.
+// The result is compared and the picture must be as it was. Two threads share the rows as they get there, and in halves, and
+// with as few rows in one band as can be, and in a way that is different for each picture.
 void ExpectLiteral(const std::vector<std::byte>& block, int nMostThreads, GreyWindow window = kDark) {
     static const std::vector<InstructionSet> s_sets = Sets();
+    static std::mt19937 s_random(12);
     const std::vector<std::byte> before = block;
     const DibView dib = *DibView::Open(block);
     const SkeletonMap literal = test::LiteralSkeleton(dib, window);
+    const auto expectSame = [&](const SkeletonMap& map, InstructionSet set, const std::string& sharing) {
+        ASSERT_EQ(map == literal, true) << dib.Width() << " x " << dib.Height() << " bits " << dib.BitCount() << " set "
+                                        << static_cast<int>(set) << ' ' << sharing
+                                        << (dib.Width() < 70 ? test::Drawing(map) + test::Drawing(literal) : "");
+    };
+    std::vector<std::int32_t> bands;
+    if (nMostThreads > 1 && dib.Height() >= 2 * fast::kFewestBandRows) {
+        const std::int32_t nSeams = dib.Height() - 2 * fast::kFewestBandRows + 1;
+        bands = {dib.Height() / 2, fast::kFewestBandRows + test::Below(s_random, nSeams)};
+        if (dib.Height() < 100) {
+            bands.insert(bands.end(), {fast::kFewestBandRows, dib.Height() - fast::kFewestBandRows});
+        }
+    }
     for (const InstructionSet set : s_sets) {
         for (int nThreads = 1; nThreads <= (set == InstructionSet::Plain ? 1 : nMostThreads); ++nThreads) {
-            const SkeletonMap map = fast::MakeSkeleton(dib, window, set, nThreads);
-            ASSERT_EQ(map == literal, true) << dib.Width() << " x " << dib.Height() << " bits " << dib.BitCount() << " set "
-                                            << static_cast<int>(set) << " threads " << nThreads
-                                            << (dib.Width() < 70 ? test::Drawing(map) + test::Drawing(literal) : "");
+            expectSame(fast::MakeSkeleton(dib, window, set, nThreads), set, "threads " + std::to_string(nThreads));
+        }
+        for (const std::int32_t nLowerRows : set == InstructionSet::Plain ? std::vector<std::int32_t>() : bands) {
+            expectSame(fast::MakeSkeletonInBands(dib, window, set, nLowerRows), set, "seam " + std::to_string(nLowerRows));
         }
     }
     ASSERT_EQ(block, before);
