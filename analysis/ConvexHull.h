@@ -14,7 +14,7 @@ inline bool IsLeftOf(const PathPoint& p, const PathPoint& q) noexcept {
 }
 
 /// Removes all pixels but the corners of their convex hull. A corner that stands several times in the list stays once or
-/// twice. Coordinates from 0 to 2^30. Throws std::bad_alloc.
+/// twice. No two coordinates are more than 2^30 apart. Throws std::bad_alloc.
 void KeepHullCorners(std::vector<PathPoint>& sorted);
 
 }  // namespace width

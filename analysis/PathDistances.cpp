@@ -1,7 +1,7 @@
 // Hull corners are compared with the line in double precision. The numerator of a pixel's distance in single precision
 // differs from the true one by less than m_error, so that much is added; the quotient is rounded up. Where no product in any
-// numerator is rounded, what is left of the distance is monotone, and the bound is the largest distance itself: tops that are
-// equally far are passed over once one of them is found.
+// numerator is rounded, the steps that are left, a sum, another one and a division, are monotone, and the bound is the largest
+// distance itself: tops that are equally far are passed over once one of them is found.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #include "analysis/PathDistances.h"
 
@@ -84,6 +84,7 @@ float PathDistances::Bounds::LargestAtCorners(PathBoxes::Node node, double fSign
         fLargest = std::max(fLargest, a * pt.x + b * pt.y);
     }
     if (m_bProductsExact) {
+        // A sum of two such products is exact in double precision, so to round it is what a float addition does.
         return (static_cast<float>(fLargest) + static_cast<float>(fSign) * m_line.C()) / m_line.Length();
     }
     const double fNumerator = fLargest + fSign * m_line.C();

@@ -2,8 +2,8 @@
 //
 // Whole nodes are passed over by how far their pixels can be at most: by the corners of the node's box, which is exact for
 // level and upright paths, rounding included; and by the corners of its convex hull, since beside a slanting path a box leaves
-// too much room. The smaller bound counts. Tops of waves are often equally far but for roundings, so that each has to be
-// looked at: the pixels of a leaf are taken four at a time.
+// too much room. The smaller bound counts. Where coordinates are so large that products of them are rounded, tops of waves are
+// often equally far but for roundings, and each has to be looked at: the pixels of a leaf are taken four at a time.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp
 #pragma once
 

@@ -31,8 +31,8 @@ namespace width::fast {
 
 namespace {
 
-constexpr std::ptrdiff_t kSeamRows =
-    std::ptrdiff_t{2} * kFewestBandRows;  // distances that the marks of rows beside the seam depend on
+// The marks beside the seam depend on the distances of so many rows on either side of it.
+constexpr std::ptrdiff_t kSeamRowsOfBand = kFewestBandRows;
 
 // Rows on one side of the seam, and room for one thread's work on them.
 struct Band {
@@ -66,7 +66,7 @@ public:
           m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
           m_inner(static_cast<std::size_t>(m_nWords)),
           m_reduction(m_ridges, m_plateaus),
-          m_seamRows(kSeamRows, m_nWidth),
+          m_seamRows(2 * kSeamRowsOfBand, m_nWidth),
           m_lower(m_passes, m_nWidth),
           m_upper(m_passes, m_nWidth),
           m_nRowsToShare(m_nHeight - nLowerRows - nUpperRows),
@@ -114,8 +114,8 @@ private:
         std::ptrdiff_t s = band.nOuter;
         for (std::ptrdiff_t nRows = band.nOwnRows; nRows > 0; nRows = TakeRows()) {
             for (; nRows > 0; --nRows, s -= band.nOut) {
-                const bool bAtEdge = s == m_nHeight - 1 - band.nOuter;
-                const std::ptrdiff_t nRowsAhead = bAtEdge ? 0 : -band.nOut;
+                const bool bAtOtherEdge = s == m_nHeight - 1 - band.nOuter;  // only where one band does all rows
+                const std::ptrdiff_t nRowsAhead = bAtOtherEdge ? 0 : -band.nOut;
                 m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
                 band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
                 band.nInner = s;
@@ -142,7 +142,7 @@ private:
     void SweepOutwards(Band& band, bool bMayWrap) noexcept {
         for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
             MeasureRow(band, s, bMayWrap);
-            if (m_nSeam > 0 && s >= m_nSeam - kSeamRows / 2 && s < m_nSeam + kSeamRows / 2) {
+            if (m_nSeam > 0 && s >= m_nSeam - kSeamRowsOfBand && s < m_nSeam + kSeamRowsOfBand) {
                 std::memcpy(SeamRow(s), band.Distance(s), static_cast<std::size_t>(m_nWords * kWordColumns));
             }
             MarkBehind(band, s);
@@ -196,7 +196,7 @@ private:
         m_passes.markRow(rows, m_nWords, m_inner.data(), t >= 1 && t + 2 < m_nHeight, m_ridges.Row(t), m_plateaus.Row(t));
     }
 
-    std::uint8_t* SeamRow(std::ptrdiff_t s) noexcept { return m_seamRows.At(s - (m_nSeam - kSeamRows / 2)); }
+    std::uint8_t* SeamRow(std::ptrdiff_t s) noexcept { return m_seamRows.At(s - (m_nSeam - kSeamRowsOfBand)); }
 
     void FillBorderRows() noexcept {
         const auto nCells = static_cast<std::size_t>(m_nWidth) + std::size_t{2} * SkeletonMap::kBorder;

@@ -15,7 +15,8 @@ SkeletonMap MakeSkeleton(const DibView& dib, GreyWindow window, InstructionSet s
 /// Rows that each of two threads has to itself at least.
 constexpr std::int32_t kFewestBandRows = 3;
 
-/// The same by vectors and two threads that share the rows in a given way, not as they get there. Which way must not matter.
+/// For tests: the same by vectors and two threads that share the rows in a given way, not as they get there. Which way must not
+/// matter.
 /// dib         of a depth that can be read
 /// set         not Plain
 /// nLowerRows  that one thread does; from kFewestBandRows on, and as many must be left to the other

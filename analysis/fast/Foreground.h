@@ -17,7 +17,7 @@ public:
     ForegroundReader(const DibView& dib, GreyWindow window, const RowPasses& passes) noexcept;
 
     /// Foreground of block row s, as a mask and as bits.
-    /// nRowsAhead  from this row to the one that will be read after it, 0 if none will
+    /// nRowsAhead  from this row to the one that may be read after it, 0 at the picture's edge
     /// pScratch    a strip to work on
     void Read(std::ptrdiff_t s, std::ptrdiff_t nRowsAhead, std::uint8_t* pScratch, std::uint8_t* pMask,
               std::uint64_t* pBits) const noexcept;

@@ -3,12 +3,11 @@
 // cell arises where that distance would be 256. In a row the first cell that is about to wrap does; it lowers the 255
 // cells behind it, so that the next one to wrap is the first candidate at 256 cells' distance or more.
 //
-// No pass wraps anywhere if no distance of the rows done from one edge to a row in the middle, by the pair that comes from
-// that edge, is above 127, and the same holds from the other edge. For a distance of 256 needs a triangle of foreground,
-// 256 cells along the row and down the column. A pair that comes to meet it has, 128 rows inside, 128 cells to go to its
-// slope and 129 to its tip or base; if fewer than 129 of its rows lie on that pair's side, the triangle is still 128
-// cells wide on the other side, where the pass itself or its mirror shows as much.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// No pass wraps anywhere if no distance of the rows done from one edge to a row anywhere, by the pair that comes from
+// that edge, is above 127, and the same holds from the other edge to there. For a distance of 256 needs a triangle of
+// foreground, 256 cells along the row and down the column. A pair that comes to meet it has, 128 rows inside, 128 cells to go to
+// its slope and 129 to its tip or base; if fewer than 129 of its rows lie on that pair's side, the triangle is still 128 cells
+// wide on the other side, where the pass itself or its mirror shows as much. Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include "analysis/fast/HalfDistance.h"
 
 #include <bit>

@@ -18,7 +18,7 @@ public:
 
     /// Moves on by a row.
     /// pMask, pBits  its foreground
-    /// nAhead        bytes from pHalf to that of the next row, 0 if there is none
+    /// nAhead        bytes from pHalf to that of the next row, whoever does it; 0 at the picture's edge
     /// pHalf         gets the smaller distance of the two passes, exactly one byte a pixel
     void Step(const std::uint8_t* pMask, const std::uint64_t* pBits, std::ptrdiff_t nAhead, std::uint8_t* pHalf) noexcept;
 
