@@ -5,9 +5,10 @@
 //
 // No pass wraps anywhere if no distance of the rows done from one edge to a row anywhere, by the pair that comes from
 // that edge, is above 127, and the same holds from the other edge to there. For a distance of 256 needs a triangle of
-// foreground, 256 cells along the row and down the column. A pair that comes to meet it has, 128 rows inside, 128 cells to go to
-// its slope and 129 to its tip or base; if fewer than 129 of its rows lie on that pair's side, the triangle is still 128 cells
-// wide on the other side, where the pass itself or its mirror shows as much. Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// foreground, 256 cells along the row and down the column. A pair that comes to meet it has, 128 rows inside, 128 cells
+// to go to its slope and 129 to its tip or base; if fewer than 129 of its rows lie on that pair's side, the triangle is
+// still 128 cells wide on the other side, where the pass itself or its mirror shows as much.
+// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
 #include "analysis/fast/HalfDistance.h"
 
 #include <bit>

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <numeric>
 #include <random>
+#include <span>
 
 #include "analysis/FrontHull.h"
 #include "analysis/LineDetector.h"
@@ -339,6 +340,11 @@ std::vector<std::int32_t> Pruned(const Path& path, std::int32_t nFrom, std::int3
 
 constexpr std::array<Step, 8> kSteps = {{{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
 
+// A row of steps again and again.
+Path Repeated(std::int32_t nPixels, std::span<const std::size_t> row) {
+    return Walk(nPixels, [&](std::int32_t i) { return kSteps[row[static_cast<std::size_t>(i) % row.size()]]; });
+}
+
 // Paths that go forward, that nearly do, and that do not: random steps of a few directions, or one and the same row of runs
 // again and again, with a wrong step now and then.
 Path AnyPath(std::mt19937& random, std::int32_t nPixels) {
@@ -406,7 +412,7 @@ TEST(FrontHull, ABlindPixelKeepsAStretchFromJoining) {
 // Teeth that lean back over pixels which were in order: without those the next tooth is within reach.
 TEST(PathFronts, FrontsGiveWayToThePocketOverThem) {
     constexpr std::array<std::size_t, 15> kRow = {5, 5, 5, 4, 4, 4, 4, 4, 4, 4, 3, 3, 3, 2, 7};
-    const Path path = Walk(4'000, [&](std::int32_t i) { return kSteps[kRow[static_cast<std::size_t>(i) % kRow.size()]]; });
+    const Path path = Repeated(4'000, kRow);
     const PathBoxes boxes(path, kLeafPixels);
     EXPECT_LT(FindFronts(boxes, -1, {-2, -1}, 0, 3'999).nLongestPocket, 20);
 }
@@ -433,7 +439,7 @@ TEST(StretchHull, EqualsPruningTheWholeStretch) {
 // A narrowing that drops a tooth at a time would look at 2,000 times 30,000 pixels.
 TEST(StretchHull, TheHullTakesOver) {
     constexpr std::array<std::size_t, 15> kRow = {0, 0, 0, 0, 0, 0, 3, 3, 3, 0, 0, 0, 7, 7, 7};
-    const Path path = Walk(60'000, [&](std::int32_t i) { return kSteps[kRow[static_cast<std::size_t>(i) % kRow.size()]]; });
+    const Path path = Repeated(60'000, kRow);
     const PathBoxes boxes(path, PathDistances::kLeafPixels);
     StretchHull hull(boxes, 30'000);
     for (std::int32_t n = 0; n < 29'990; n += 15) {
