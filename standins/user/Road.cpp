@@ -47,14 +47,26 @@ public:
     }
     bool IsRunning() const { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT; }
 
-    /// The window for which the test holds, as soon as it is there.
+    /// The window for which the test holds, as soon as it is there. A box that opens in its place ends the wait.
     HWND Window(const std::string& name, const std::function<bool(HWND)>& test) const {
         HWND hFound = nullptr;
-        Until(name, [&] { return (hFound = FindTopWindow(m_process.dwProcessId, test)) != nullptr; });
+        Until(name, [&] {
+            hFound = FindTopWindow(m_process.dwProcessId, test);
+            const HWND hBox = hFound == nullptr ? OpenBox() : nullptr;
+            if (hBox != nullptr && !test(hBox)) {
+                throw std::runtime_error("a box opened instead of " + name);
+            }
+            return hFound != nullptr;
+        });
         return hFound;
     }
     HWND Dialog(const std::string& name) const {
         return Window(name, [](HWND hWnd) { return IsOfClass(hWnd, L"#32770"); });
+    }
+
+    /// The dialog or message box that is open, the topmost of several; null if there is none.
+    HWND OpenBox() const {
+        return FindTopWindow(m_process.dwProcessId, [](HWND hWnd) { return IsOfClass(hWnd, L"#32770"); });
     }
 
 private:
@@ -106,6 +118,9 @@ public:
     void SendBack();
     void SaveInHost();
     void Leave();
+
+    /// What is told of a step that failed.
+    std::string Report(const std::string& step, const std::string& what) const;
 
 private:
     void Shot(const wchar_t* name) { SaveScreen(m_plan.prefix + std::to_wstring(++m_nShots) + L"-" + name + L".png"); }
@@ -259,21 +274,50 @@ void Walker::Leave() {
     Until("the host to end", [&] { return !m_host.IsRunning(); });
 }
 
+std::string Walker::Report(const std::string& step, const std::string& what) const {
+    std::string report = step + ": " + what;
+    if (const HWND hBox = m_host.OpenBox(); hBox != nullptr) {
+        report += "; open is the box \"" + ToUtf8(TextsIn(hBox)) + "\"";
+    }
+    const std::wstring picture = m_plan.prefix + L"fault.png";
+    try {
+        SaveScreenNow(picture);
+        report += "; the screen is in " + ToUtf8(picture);
+    } catch (const std::exception& error) {
+        report += std::string("; ") + error.what();
+    }
+    return report;
+}
+
+struct Step {
+    const char* name;
+    void (Walker::*take)();
+};
+constexpr Step kSteps[] = {
+    {"opening the plug-in", &Walker::OpenPlugin},
+    {"choosing the grey window", &Walker::ChooseGreyWindow},
+    {"making the skeleton", &Walker::MakeSkeleton},
+    {"detecting the lines", &Walker::DetectLines},
+    {"picking the lines' ends", &Walker::PickEnds},
+    {"placing the label", &Walker::PlaceLabel},
+    {"writing into the picture", &Walker::WriteToBitmap},
+    {"saving the picture", &Walker::SaveAsPng},
+    {"sending the picture back", &Walker::SendBack},
+    {"saving in the host", &Walker::SaveInHost},
+    {"leaving", &Walker::Leave},
+};
+
 }  // namespace
 
 void Walk(const Plan& plan) {
     Walker walker(plan);
-    walker.OpenPlugin();
-    walker.ChooseGreyWindow();
-    walker.MakeSkeleton();
-    walker.DetectLines();
-    walker.PickEnds();
-    walker.PlaceLabel();
-    walker.WriteToBitmap();
-    walker.SaveAsPng();
-    walker.SendBack();
-    walker.SaveInHost();
-    walker.Leave();
+    for (const Step& step : kSteps) {
+        try {
+            (walker.*step.take)();
+        } catch (const std::exception& error) {
+            throw std::runtime_error(walker.Report(step.name, error.what()));
+        }
+    }
 }
 
 }  // namespace width::user

@@ -24,7 +24,8 @@ struct Plan {
 
 /// Walks the road: host, plug-in, grey window, skeleton, two lines, four picks, label, Write to Bitmap, Send Image, and Save As
 /// in the host to PREFIXlabelled.bmp, with a screenshot after each step (PREFIX1-host.png and so on). Needs a screen that is read
-/// back, 1024 x 768 or larger. Throws std::runtime_error with what did not come; the host is ended in any case.
+/// back, 1024 x 768 or larger. Throws std::runtime_error with the step, what did not come, the texts of the box that stood in the
+/// way if there is one, and the name of a last screenshot, PREFIXfault.png; the host is ended in any case.
 void Walk(const Plan& plan);
 
 }  // namespace width::user

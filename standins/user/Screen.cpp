@@ -67,6 +67,12 @@ private:
     HGDIOBJ m_hOld = nullptr;
 };
 
+void SaveBlock(const std::wstring& path, const Block& picture) {
+    if (const std::string error = SavePicture(path, picture); !error.empty()) {
+        throw std::runtime_error("a picture of the screen can't be saved: " + error);
+    }
+}
+
 Block ReadScreen() {
     const int nWidth = GetSystemMetrics(SM_CXSCREEN);
     const int nHeight = GetSystemMetrics(SM_CYSCREEN);
@@ -177,6 +183,14 @@ void Until(const std::string& name, const std::function<bool()>& condition) {
     }
 }
 
+std::string ToUtf8(const std::wstring& text) {
+    const int nLength = static_cast<int>(text.size());
+    std::string utf8(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), nLength, nullptr, 0, nullptr, nullptr)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), nLength, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
+    return utf8;
+}
+
 HWND FindTopWindow(DWORD nProcessId, const std::function<bool(HWND)>& test) {
     struct Search {
         DWORD nProcessId;
@@ -208,6 +222,18 @@ std::wstring TitleOf(HWND hWnd) {
     return szTitle.data();
 }
 
+std::wstring TextsIn(HWND hWnd) {
+    std::wstring texts = TitleOf(hWnd);
+    const auto add = [](HWND hChild, LPARAM lParam) -> BOOL {
+        if (const std::wstring text = TitleOf(hChild); IsWindowVisible(hChild) != FALSE && !text.empty()) {
+            *std::bit_cast<std::wstring*>(lParam) += L" | " + text;
+        }
+        return TRUE;
+    };
+    EnumChildWindows(hWnd, add, std::bit_cast<LPARAM>(&texts));
+    return texts;
+}
+
 bool IsColourNear(POINT ptScreen, COLORREF clr, int nReach) {
     const HDC hdc = GetDC(nullptr);
     bool bFound = false;
@@ -220,15 +246,17 @@ bool IsColourNear(POINT ptScreen, COLORREF clr, int nReach) {
     return bFound;
 }
 
+void SaveScreenNow(const std::wstring& path) {
+    SaveBlock(path, ReadScreen());
+}
+
 void SaveScreen(const std::wstring& path) {
     Block picture;
     Until("a screen that no longer changes", [&] {
         const Block last = std::exchange(picture, ReadScreen());
         return last == picture;
     });
-    if (const std::string error = SavePicture(path, picture); !error.empty()) {
-        throw std::runtime_error("a picture of the screen can't be saved: " + error);
-    }
+    SaveBlock(path, picture);
 }
 
 bool CarriesText(const std::wstring& path, const std::wstring& text, const wchar_t* face, int nHeight, COLORREF clr) {

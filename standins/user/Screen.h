@@ -12,15 +12,23 @@ namespace width::user {
 /// Asks until the condition holds. Throws std::runtime_error with the name when it still doesn't after half a minute.
 void Until(const std::string& name, const std::function<bool()>& condition);
 
+std::string ToUtf8(const std::wstring& text);
+
 /// A visible top-level window of a process, topmost first, for which the test holds; null if there is none.
 HWND FindTopWindow(DWORD nProcessId, const std::function<bool(HWND)>& test);
 bool IsOfClass(HWND hWnd, const wchar_t* name);
 std::wstring TitleOf(HWND hWnd);
 
+/// What can be read in a window: its title and the texts in it, joined by " | ".
+std::wstring TextsIn(HWND hWnd);
+
 /// Whether a pixel of the colour lies within nReach pixels of a point of the screen.
 bool IsColourNear(POINT ptScreen, COLORREF clr, int nReach);
 
-/// Writes what is on the screen as a picture file, once it no longer changes. Throws std::runtime_error.
+/// Writes what is on the screen as a picture file. Throws std::runtime_error.
+void SaveScreenNow(const std::wstring& path);
+
+/// The same once the screen no longer changes.
 void SaveScreen(const std::wstring& path);
 
 /// Whether a picture file of 24 bits carries a text written upwards or downwards in a colour: every dot of the letters has it,
