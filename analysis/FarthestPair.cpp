@@ -8,8 +8,9 @@
 // part of the winning pair. Pairs of those few are compared by boxes round stretches of them: where
 // two boxes can hold no pair that wins, none of their pixels are looked at.
 //
-// The squared y difference wraps beyond 46,340 rows, and the farthest pair has nothing to do with
-// the hull then: all pixels of a ring taller than that are compared, by the same boxes.
+// The squared y difference wraps beyond 46,340 rows, and a column beyond 2^24 becomes a float with an
+// error as large as a short distance. The farthest pair has nothing to do with the hull then: all
+// pixels of such a ring are compared, by the same boxes.
 // Tested by: tests/unit/analysis/LineSearchTest.cpp (against all pairs)
 #include <algorithm>
 #include <array>
@@ -27,7 +28,8 @@ namespace {
 
 constexpr std::size_t kLeafPixels = 8;  // each is compared with each of another leaf
 
-constexpr std::int64_t kTallest = 46'340;  // the largest number whose square fits 32 bits
+constexpr std::int64_t kTallest = 46'340;           // the largest number whose square fits 32 bits
+constexpr std::int32_t kLastExactColumn = 1 << 24;  // columns up to here are floats
 
 std::int64_t SquaredLength(const PathPoint& p, const PathPoint& q) noexcept {
     const std::int64_t dx = std::int64_t{q.x} - p.x;
@@ -36,14 +38,15 @@ std::int64_t SquaredLength(const PathPoint& p, const PathPoint& q) noexcept {
 }
 
 // The largest distance of coordinates in one range from those in another.
-std::int64_t LargestGap(std::int64_t nLow1, std::int64_t nHigh1, std::int64_t nLow2, std::int64_t nHigh2) noexcept {
+template <typename T>
+T LargestGap(T nLow1, T nHigh1, T nLow2, T nHigh2) noexcept {
     return std::max(nHigh2 - nLow1, nHigh1 - nLow2);
 }
 
 // No pixel in the box is farther from the corner than this.
 std::int64_t LargestSquaredLength(const PathBox& box, const PathPoint& corner) noexcept {
-    const std::int64_t dx = LargestGap(box.xLow, box.xHigh, corner.x, corner.x);
-    const std::int64_t dy = LargestGap(box.yLow, box.yHigh, corner.y, corner.y);
+    const std::int64_t dx = LargestGap<std::int64_t>(box.xLow, box.xHigh, corner.x, corner.x);
+    const std::int64_t dy = LargestGap<std::int64_t>(box.yLow, box.yHigh, corner.y, corner.y);
     return dx * dx + dy * dy;
 }
 
@@ -143,8 +146,9 @@ private:
     float LongestIn(PathBoxes::Node a, PathBoxes::Node b) const noexcept {
         const PathBox& p = m_boxes.Box(a);
         const PathBox& q = m_boxes.Box(b);
-        const auto dx = static_cast<float>(LargestGap(p.xLow, p.xHigh, q.xLow, q.xHigh));
-        const std::int64_t dyHigh = LargestGap(p.yLow, p.yHigh, q.yLow, q.yHigh);
+        const float dx = LargestGap(static_cast<float>(p.xLow), static_cast<float>(p.xHigh), static_cast<float>(q.xLow),
+                                    static_cast<float>(q.xHigh));
+        const std::int64_t dyHigh = LargestGap<std::int64_t>(p.yLow, p.yHigh, q.yLow, q.yHigh);
         const std::int64_t dyLow = std::max({std::int64_t{q.yLow} - p.yHigh, std::int64_t{p.yLow} - q.yHigh, std::int64_t{0}});
         const float fSquare = dx * dx + static_cast<float>(LargestWrappedSquare(dyLow, dyHigh));
         return fSquare < 0.0F ? -1.0F : std::sqrt(fSquare);
@@ -213,9 +217,10 @@ std::int32_t LineDetector::FindFarthestPair(std::span<const PathPoint> path, std
         return 0;
     }
     const auto [yLow, yHigh] = std::ranges::minmax_element(path, {}, &PathPoint::y);
+    const auto right = std::ranges::max_element(path, {}, &PathPoint::x);
     std::vector<std::size_t> positions;
     std::vector<PathPoint> candidates;
-    if (std::int64_t{yHigh->y} - yLow->y <= kTallest) {
+    if (std::int64_t{yHigh->y} - yLow->y <= kTallest && right->x <= kLastExactColumn) {
         positions = Candidates(path);
         std::ranges::transform(positions, std::back_inserter(candidates), [&](std::size_t n) { return path[n]; });
     }

@@ -49,10 +49,10 @@ private:
     float m_length;
 };
 
-/// Distance of two pixels: the squared y difference is a 32-bit integer that wraps, the squared x
-/// difference a float.
+/// Distance of two pixels: the squared y difference is a 32-bit integer that wraps, the x difference
+/// that of two floats.
 inline float EdgeLength(const PathPoint& p, const PathPoint& q) noexcept {
-    const auto dx = static_cast<float>(WrapSub(q.x, p.x));
+    const float dx = static_cast<float>(q.x) - static_cast<float>(p.x);
     const std::int32_t dy = WrapSub(q.y, p.y);
     return std::sqrt(dx * dx + static_cast<float>(WrapMul(dy, dy)));
 }

@@ -18,7 +18,7 @@ bool SamePixel(const PathPoint& p, const PathPoint& q) {
 }
 
 float Length(const PathPoint& p, const PathPoint& q) {
-    const auto dx = static_cast<float>(WrapSub(q.x, p.x));
+    const float dx = static_cast<float>(q.x) - static_cast<float>(p.x);
     const std::int32_t dy = WrapSub(q.y, p.y);
     return std::sqrt(dx * dx + static_cast<float>(WrapMul(dy, dy)));
 }

@@ -83,5 +83,15 @@ TEST(IsChordLongEnough, EqualPasses) {
     EXPECT_EQ(detector.IsEdgeLongEnough({0, 0, 0}, {1, 4, 3}), 1);
 }
 
+// From column 2^24 on only every second column is a float; an odd one becomes its neighbour that four divides.
+TEST(IsEdgeLongEnough, ColumnsBecomeFloatsBeforeTheirDifference) {
+    constexpr std::int32_t kColumn = 1 << 24;
+    LineConditions conditions;
+    conditions.nMinLineLength = 5;
+    const LineDetector detector{conditions};
+    EXPECT_EQ(detector.IsEdgeLongEnough({0, kColumn, 0}, {1, kColumn + 5, 0}), 0) << "4.0 long";
+    EXPECT_EQ(detector.IsEdgeLongEnough({0, kColumn + 1, 0}, {1, kColumn + 4, 3}), 1) << "exactly 5.0 long, where 4.2 were true";
+}
+
 }  // namespace
 }  // namespace width

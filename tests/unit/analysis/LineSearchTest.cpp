@@ -529,5 +529,20 @@ TEST(FindFarthestPair, EqualsComparingAllPairsWhereSquaresWrap) {
     }
 }
 
+// From column 2^24 on a column becomes a float with an error that has nothing to do with how far apart the pixels are.
+TEST(FindFarthestPair, EqualsComparingAllPairsWhereColumnsAreNoFloats) {
+    std::mt19937 random(21);
+    for (int i = 0; i < 2'000; ++i) {
+        const std::int32_t nLeft = (1 << (23 + i % 7)) + test::Below(random, 1 << 22);
+        const std::int32_t nWidth = 1 + test::Below(random, i % 2 == 0 ? 300 : 1 << 24);
+        Path cloud;
+        for (std::int32_t n = 1 + test::Below(random, 120); n >= 0; --n) {
+            cloud.push_back({0, nLeft + test::Below(random, nWidth), test::Below(random, 1 + i % 40)});
+        }
+        ExpectLiteralPair(cloud);
+        ASSERT_FALSE(testing::Test::HasFatalFailure()) << i;
+    }
+}
+
 }  // namespace
 }  // namespace width
