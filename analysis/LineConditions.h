@@ -7,7 +7,6 @@ namespace width {
 
 struct LineConditions {
     std::int32_t nMinLineLength = 30;  ///< shortest accepted line, pixels; equal passes
-    float fMaxLineAngle = 0.01745F;    ///< kept and shown for the user; no part of detection reads it
     std::int32_t bRectAlgorithm = 1;   ///< 1: a hull edge that is too short hands over to the strip and its fit
     float fRectWidth = 3.0F;           ///< the strip must be narrower than this, pixels
 };

@@ -12,8 +12,7 @@ namespace width {
 
 namespace {
 
-// The measuring code's pi. Not the best double for it, and not to be replaced by that: the limit
-// of the parallel test depends on it.
+// The measuring code's own pi, not the best double for it.
 constexpr double kPi = 3.14159265;
 
 // Limits of the feet's cases: single-precision values widened to double.

@@ -40,7 +40,7 @@ inline HCURSOR g_hCursorZoom = nullptr;
 inline HCURSOR g_hCursorZoomIn = nullptr;
 inline HCURSOR g_hCursorZoomOut = nullptr;
 
-// Line conditions, see analysis/LineConditions.h.
+// Line conditions, see analysis/LineConditions.h. The greatest angle is only kept and shown: no part of detection reads it.
 inline int g_nMinLineLength = 30;
 inline float g_fMaxLineAngle = 0.01745F;
 inline int g_bRectAlgorithm = 1;

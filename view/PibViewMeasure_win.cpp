@@ -6,7 +6,7 @@
 #include "classlib/Thread.h"
 #include "measure/WriteBack.h"
 #include "module/ModuleState.h"
-#include "view/BaseDib_win.h"
+#include "view/DibPalette_win.h"
 #include "view/PibView_win.h"
 
 namespace width {

@@ -70,7 +70,7 @@ void CPibView::OnRButtonDown(UINT /*nFlags*/, POINT /*point*/) {
 }
 
 LineConditions CPibView::CurrentConditions() {
-    return {g_nMinLineLength, g_fMaxLineAngle, g_bRectAlgorithm, g_fRectWidth};
+    return {g_nMinLineLength, g_bRectAlgorithm, g_fRectWidth};
 }
 
 void CPibView::Pan(POINT point) {

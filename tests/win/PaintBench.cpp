@@ -12,10 +12,10 @@
 
 #include "analysis/GreyLevels.h"
 #include "analysis/Skeleton.h"
+#include "measure/Composition_win.h"
 #include "res/resource.h"
 #include "tests/e2e/PluginJob.h"
 #include "tests/support/Pictures.h"
-#include "view/BaseDib_win.h"
 
 namespace width {
 namespace {
@@ -55,31 +55,34 @@ void Repaint(HWND hView) {
 }
 
 double PaintThatKeepsNothing(const std::vector<std::byte>& block, const SkeletonMap& skeleton) {
-    void* pDib = malloc(block.size());
-    std::memcpy(pDib, block.data(), block.size());
     const HDC hdcScreen = ::GetDC(nullptr);
     const double ms = Best(1, [&] {
-        CBaseDib dib;
-        dib.Attach(pDib);
+        const std::vector<std::byte> copy = block;
+        const DibView dib = *DibView::Open(copy);
+        const std::int32_t nWidth = dib.Width();
+        const std::int32_t nHeight = dib.Height();
+        const std::vector<std::byte> scratch(std::size_t{DibStride(24, static_cast<std::uint32_t>(nWidth))} *
+                                             static_cast<std::size_t>(nHeight));
+        const DrawingInfo info = DrawingInfoOf(dib);
         CDC dc;
         dc.CreateCompatibleDC(hdcScreen);
         CBitmap bitmap;
-        bitmap.CreateCompatibleBitmap(hdcScreen, dib.m_nWidth, dib.m_nHeight);
+        bitmap.CreateCompatibleBitmap(hdcScreen, nWidth, nHeight);
         const CSelectGuard selected(dc, bitmap);
-        dib.Draw(dc);
-        for (std::int32_t s = 0; s < dib.m_nHeight; ++s) {
-            for (std::int32_t x = 0; x < dib.m_nWidth; ++x) {
+        ::StretchDIBits(dc, 0, 0, nWidth, nHeight, 0, 0, nWidth, nHeight, copy.data() + dib.Figures().nBitsOffset, info.Get(),
+                        DIB_RGB_COLORS, SRCCOPY);
+        for (std::int32_t s = 0; s < nHeight; ++s) {
+            for (std::int32_t x = 0; x < nWidth; ++x) {
                 if (skeleton.At({s + 2, x + 2}) != 0) {
-                    dc.SetPixel(x, dib.m_nHeight - 1 - s, RGB(0, 255, 0));
+                    dc.SetPixel(x, nHeight - 1 - s, RGB(0, 255, 0));
                 }
             }
         }
         ::SetStretchBltMode(hdcScreen, COLORONCOLOR);
-        ::StretchBlt(hdcScreen, 0, 0, 1000, 700, dc, 0, 0, dib.m_nWidth, dib.m_nHeight, SRCCOPY);
+        ::StretchBlt(hdcScreen, 0, 0, 1000, 700, dc, 0, 0, nWidth, nHeight, SRCCOPY);
         ::GdiFlush();
     });
     ::ReleaseDC(nullptr, hdcScreen);
-    free(pDib);
     return ms;
 }
 
