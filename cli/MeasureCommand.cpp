@@ -31,11 +31,11 @@ Result MeasureLines(const Console& console, const Arguments& arguments, const Su
     const DibFigures& figures = subject.dib->Figures();
     const PairMeasure measure =
         MeasurePair(store.m_Lines[0], store.m_Lines[1], arguments.ptPlace, figures.nWidth, figures.nHeight);
-    if (measure.outcome == PairOutcome::NotParallel) {
+    result.report.bParallel = measure.outcome != PairOutcome::NotParallel;
+    if (!*result.report.bParallel) {
         result.nStatus = console.Fail(subject.image, "the two lines are not parallel", kNoResult);
         return result;
     }
-    result.report.bParallel = true;
     result.report.fMeanDistance = measure.fMeanDistance;
     const std::int32_t nWidth = measure.outcome == PairOutcome::Measured ? LabelLength(measure.feet.ptA, measure.feet.ptB) : 0;
     if (nWidth <= 0) {

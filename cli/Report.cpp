@@ -103,7 +103,7 @@ void ReportMeasure(std::ostream& out, bool bJson, const std::string& image, Grey
         Print(out, {{"image", image},
                     {"grey", GreyJson(grey)},
                     {"lines", LinesJson(clicks)},
-                    {"parallel", measure.bParallel},
+                    {"parallel", OrNull(measure.bParallel)},
                     {"mean_distance", OrNull(measure.fMeanDistance)},
                     {"feet", bLabel ? Json::array({PointJson(measure.feet.ptA), PointJson(measure.feet.ptB)}) : Json(nullptr)},
                     {"width_px", OrNull(measure.nWidth)},

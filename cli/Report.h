@@ -25,7 +25,7 @@ struct ClickReport {
 
 /// A measurement as far as it came.
 struct MeasureReport {
-    bool bParallel = false;
+    std::optional<bool> bParallel;  ///< none: there was no pair to test
     std::optional<float> fMeanDistance;
     LabelEntry feet;
     std::optional<std::int32_t> nWidth;  ///< pixels; none: there is no label

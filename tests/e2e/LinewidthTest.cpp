@@ -69,6 +69,15 @@ protected:
         return "'" + Path(name) + "'";
     }
 
+    // A dark bar from left to right and one from its upper side to the top; saved under a name.
+    std::string Cross(const std::string& name) const {
+        DibBuilder builder(200, 200, 1);
+        builder.GreyTable().Fill(
+            [](std::int32_t x, std::int32_t s) { return (s > 48 && s < 52) || (x > 98 && x < 102 && s > 90) ? 0U : 1U; });
+        EXPECT_EQ(SavePicture(Path(name), builder.Block()), "");
+        return "'" + Path(name) + "'";
+    }
+
     static constexpr const char* kClicks = " --at 150,137 --at 150,87 --place 150,110 ";
 
 private:
@@ -168,14 +177,22 @@ TEST_F(Linewidth, ChainsWithoutAWidthSayWhichStep) {
     ExpectOneLineOfError(Call("measure " + image + " --grey 0..127 --at 150,137 --at 150,20 --place 1,1"), 1,
                          "no line found at 150,20");
     ExpectOneLineOfError(Call("measure " + image + " --grey 0..127 --at 150,137 --at 100,137 --place 1,1"), 1, "zero");
-    DibBuilder cross(200, 200, 1);
-    cross.GreyTable().Fill(
-        [](std::int32_t x, std::int32_t s) { return (s > 48 && s < 52) || (x > 98 && x < 102 && s > 90) ? 0U : 1U; });
-    ASSERT_EQ(SavePicture(Path("x.bmp"), cross.Block()), "");
-    ExpectOneLineOfError(Call("measure '" + Path("x.bmp") + "' --grey 0..9 --at 60,149 --at 100,60 --place 9,9"), 1,
+    ExpectOneLineOfError(Call("measure " + Cross("x.bmp") + " --grey 0..9 --at 60,149 --at 100,60 --place 9,9"), 1,
                          "not parallel");
     ASSERT_EQ(SavePicture(Path("black.bmp"), DibBuilder(9, 9, 8).Block()), "");
     ExpectOneLineOfError(Call("detect '" + Path("black.bmp") + "' --grey auto --at 1,1"), 1, "0..0");
+}
+
+TEST_F(Linewidth, JsonTellsAPairThatIsNotParallelFromOneThatWasNotTested) {
+    const auto parallel = [&](const std::string& image, const std::string& clicks) {
+        const Result run = Call("measure " + image + " --grey 0..127 --json --place 150,110" + clicks);
+        EXPECT_EQ(run.nStatus, 1) << run.err;
+        return run.Parsed()["parallel"];
+    };
+    const std::string bars = Bars("a.bmp", 8);
+    EXPECT_EQ(parallel(bars, " --at 150,137 --at 150,20"), nullptr) << "one line only";
+    EXPECT_EQ(parallel(bars, " --at 150,137 --at 100,137"), true) << "one line twice";
+    EXPECT_EQ(parallel(Cross("x.bmp"), " --at 60,149 --at 100,60"), false);
 }
 
 TEST_F(Linewidth, BadInputIsOneLineAndStatus2) {
