@@ -2,51 +2,12 @@
 #include "classlib/Dialog.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cfloat>
-#include <charconv>
-#include <climits>
-#include <cmath>
-#include <cwchar>
 #include <optional>
 #include <string>
-#include <system_error>
+
+#include "classlib/NumberText.h"
 
 namespace {
-
-// The whole text as an integer, blanks around it left out.
-std::optional<int> ParseInteger(const wchar_t* psz) {
-    wchar_t* pszEnd = nullptr;
-    errno = 0;
-    const long long value = std::wcstoll(psz, &pszEnd, 10);
-    if (pszEnd == psz || errno == ERANGE || value < INT_MIN || value > INT_MAX) {
-        return std::nullopt;
-    }
-    while (*pszEnd == L' ') {
-        ++pszEnd;
-    }
-    return *pszEnd == L'\0' ? std::optional(static_cast<int>(value)) : std::nullopt;
-}
-
-// The whole text as a decimal number, blanks around it left out: neither hexadecimal nor a name such as "inf". With a full
-// stop in every locale, whatever the host has set.
-std::optional<float> ParseNumber(const wchar_t* psz) {
-    while (*psz == L' ') {
-        ++psz;
-    }
-    const std::wstring wide(psz, std::wcsspn(psz, L"0123456789+-.eE"));
-    const wchar_t* const pszRest = psz + wide.size();
-    std::string text(wide.begin(), wide.end());  // ASCII
-    if (text.starts_with('+')) {
-        text.erase(0, 1);
-    }
-    double value = 0;
-    const auto [pEnd, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool bBlanks = pszRest[std::wcsspn(pszRest, L" ")] == L'\0';
-    const bool bNumber = error == std::errc() && pEnd == text.data() + text.size() && bBlanks && std::abs(value) <= FLT_MAX;
-    return bNumber ? std::optional(static_cast<float>(value)) : std::nullopt;
-}
 
 std::wstring ControlText(HWND hControl) {
     std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(hControl)) + 1, L'\0');
@@ -79,7 +40,7 @@ void DDX_Text(CDataExchange* pDX, UINT nID, int& value) {
         return;
     }
     const std::wstring text = ControlText(pDX->m_hWndLastControl);
-    if (const std::optional<int> parsed = ParseInteger(text.c_str())) {
+    if (const std::optional<std::int32_t> parsed = ParseInteger(text)) {
         value = *parsed;
     } else {
         pDX->Fail(pDX->m_pDlg->NoIntegerText());
@@ -96,7 +57,7 @@ void DDX_Text(CDataExchange* pDX, UINT nID, float& value) {
         return;
     }
     const std::wstring text = ControlText(pDX->m_hWndLastControl);
-    if (const std::optional<float> parsed = ParseNumber(text.c_str())) {
+    if (const std::optional<float> parsed = ParseNumber(text)) {
         value = *parsed;
     } else {
         pDX->Fail(pDX->m_pDlg->NoNumberText());
@@ -125,13 +86,6 @@ void DDV_MinMaxFloat(CDataExchange* pDX, float value, float fMin, float fMax) {
     if (pDX->m_bSaveAndValidate && !pDX->m_bFailed && !(value >= fMin && value <= fMax)) {
         pDX->Fail(pDX->m_pDlg->NumberRangeText(fMin, fMax));
     }
-}
-
-std::wstring NumberText(float value) {
-    std::array<char, 40> text{};
-    const auto [pEnd, error] =
-        std::to_chars(text.data(), text.data() + text.size(), static_cast<double>(value), std::chars_format::general, FLT_DIG);
-    return {text.data(), pEnd};
 }
 
 std::wstring CDialog::NumberRangeText(float fMin, float fMax) const {

@@ -8,9 +8,6 @@
 
 class CDialog;
 
-/// A number as the exchange shows it: at most six significant digits.
-std::wstring NumberText(float value);
-
 /// One exchange between a dialog's values and its controls, in either direction. The first value that can't be taken ends
 /// it: later calls of the same exchange do nothing.
 class CDataExchange {
@@ -26,9 +23,9 @@ public:
     void Fail(const std::wstring& text);
 };
 
-/// A whole number in a text control. Anything else than an integer of 32 bits fails.
+/// A whole number, and a decimal number, in a text control. Anything else fails. A number that the type can't hold becomes the
+/// nearest that it can (see NumberText.h): it is for the range check behind to refuse it.
 void DDX_Text(CDataExchange* pDX, UINT nID, int& value);
-/// A decimal number in a text control, shown with six significant digits at most. Anything else fails.
 void DDX_Text(CDataExchange* pDX, UINT nID, float& value);
 /// A check box: 1 checked, 0 not.
 void DDX_Check(CDataExchange* pDX, UINT nID, int& value);

@@ -1,6 +1,7 @@
 // Tested by: tests/e2e/DialogTest.cpp
 #include "dialogs/DllDlg.h"
 
+#include "classlib/NumberText.h"
 #include "classlib/Thread.h"
 #include "classlib/Wnd.h"
 #include "module/ModuleState.h"

@@ -176,17 +176,20 @@ TEST_P(Settings, LineConditionsOutOfRangeStopTheOkInTheirOrder) {
     OpenLines();
     Type(IDC_RECT_WIDTH, L"1001");
     Type(IDC_LINE_LENGTH, L"1001");
-    for (const wchar_t* text : {L"", L"inf", L"0x10", L"1.5 m", L"1e99", L"-"}) {
+    for (const wchar_t* text : {L"", L"inf", L"0x10", L"1.5 m", L"+-1", L"-"}) {
         Type(IDC_LINE_ANGLE, text);
         EXPECT_EQ(Refusal(), number) << text;
     }
-    for (const wchar_t* text : {L"1000.1", L"-0.01"}) {
+    for (const wchar_t* text : {L"1000.1", L"-0.01", L"1e39", L"1e999", L"-1e39"}) {
         Type(IDC_LINE_ANGLE, text);
-        EXPECT_EQ(Refusal(), range);
+        EXPECT_EQ(Refusal(), range) << text;
     }
-    Type(IDC_LINE_ANGLE, L"1000");
-    EXPECT_EQ(Refusal(), whole) << "the length";
-    Type(IDC_LINE_LENGTH, L"0");
+    Type(IDC_LINE_ANGLE, L"\t1000\t");
+    for (const wchar_t* text : {L"1001", L"99999999999", L"-99999999999"}) {
+        Type(IDC_LINE_LENGTH, text);
+        EXPECT_EQ(Refusal(), whole) << "the length " << text;
+    }
+    Type(IDC_LINE_LENGTH, L"\t-0 ");
     ::SendMessageW(Item(IDC_RECT_ALGORITHM), BM_CLICK, 0, 0);
     EXPECT_FALSE(::IsWindowEnabled(Item(IDC_RECT_WIDTH)));
     EXPECT_EQ(Refusal(), whole) << "the width, also when its field is off";
@@ -194,6 +197,11 @@ TEST_P(Settings, LineConditionsOutOfRangeStopTheOkInTheirOrder) {
     Close(IDOK);
     OpenLines();
     EXPECT_EQ(Lines(), L"0|1000|7|.");
+    Type(IDC_LINE_ANGLE, L"-0");
+    Close(IDOK);
+    OpenLines();
+    EXPECT_EQ(Lines(), L"0|0|7|.") << "and not \"-0\"";
+    Type(IDC_LINE_ANGLE, L"1000");
     EXPECT_TRUE(::IsWindowEnabled(Item(IDC_RECT_WIDTH))) << "on at every opening";
     ::SendMessageW(Item(IDC_RECT_ALGORITHM), BM_CLICK, 0, 0);
     EXPECT_TRUE(::IsWindowEnabled(Item(IDC_RECT_WIDTH)));
