@@ -23,6 +23,7 @@ inline void* g_pHostCookie = nullptr;
 inline void* g_pPendingDib = nullptr;      ///< the block of the job that starts; read once
 inline CFrameWnd* g_pMainFrame = nullptr;  ///< not owned
 inline CWinThread* g_pThread = nullptr;    ///< not owned; null: idle
+inline HANDLE g_hHostActCtx = nullptr;  ///< activation context of the host that the job's thread began with; null: the program's
 
 /// What the left mouse button of the view means.
 enum ToolMode : int {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "module/HostCall.h"
 #include "module/ModuleState.h"
 #include "res/resource.h"
 #include "shell/MainFrame_win.h"
@@ -15,6 +16,8 @@ CPibThread::~CPibThread() {
 }
 
 bool CPibThread::InitInstance() {
+    g_hHostActCtx = AfxGetActCtx();
+    m_context.emplace(g_hModule, ISOLATIONAWARE_MANIFEST_RESOURCE_ID);
     auto* pFrame = new CMainFrame;
     g_pMainFrame = pFrame;
     m_pMainWnd = pFrame;
@@ -34,7 +37,9 @@ bool CPibThread::InitInstance() {
 int CPibThread::ExitInstance() {
     // A bitmap that never reached the view: the frame could not be made, or was closed before.
     free(std::exchange(g_pPendingDib, nullptr));
-    g_pfnHostCallback(g_pHostCookie, PI_CODE_END, nullptr, nullptr);
+    m_context.reset();
+    CallHost(PI_CODE_END, nullptr);
+    AfxReleaseActCtx(std::exchange(g_hHostActCtx, nullptr));
     return CWinThread::ExitInstance();
 }
 

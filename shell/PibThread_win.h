@@ -2,6 +2,9 @@
 // Tested by: tests/e2e/PluginTest.cpp
 #pragma once
 
+#include <optional>
+
+#include "classlib/ActCtx.h"
 #include "classlib/Thread.h"
 
 namespace width {
@@ -11,11 +14,15 @@ class CPibThread : public CWinThread {
 public:
     ~CPibThread() override;
 
-    /// Makes and shows the frame, and posts it the pending bitmap. False ends the thread.
+    /// Makes and shows the frame, and posts it the pending bitmap. False ends the thread. From here to the end of the job the
+    /// thread's activation context is that of the plug-in's manifest.
     bool InitInstance() override;
 
     /// Tells the host that the job has ended, however it did: frame, view and bitmap are gone by then.
     int ExitInstance() override;
+
+private:
+    std::optional<CActCtxScope> m_context;  // active on the job's thread
 };
 
 }  // namespace width

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "classlib/ActCtx.h"
 #include "dialogs/DllDlg.h"
 #include "module/ModuleState.h"
 #include "shell/PibThread_win.h"
@@ -46,6 +47,7 @@ void pi_start(void* pDib, void* /*pUnused*/, HostCallback pfn, void* pCookie) {
 }
 
 void pi_about() {
+    const CActCtxScope context(g_hModule, ISOLATIONAWARE_MANIFEST_RESOURCE_ID);
     CAboutDlg(nullptr).DoModal();
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "module/ModuleState.h"
+#include "module/HostCall.h"
 #include "save/SaveFlow_win.h"
 #include "view/PibView_win.h"
 
@@ -44,7 +44,7 @@ void CPibView::OnFileSaveAs() {
 // The host sees the block itself, as often as the user likes. Nothing here changes by it.
 void CPibView::OnSendImage() {
     if (HasImage()) {
-        g_pfnHostCallback(g_pHostCookie, PI_CODE_IMAGE, m_pDib, nullptr);
+        CallHost(PI_CODE_IMAGE, m_pDib);
     }
 }
 

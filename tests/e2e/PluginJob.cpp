@@ -10,8 +10,8 @@
 
 namespace width::test {
 
-PluginJob::PluginJob(WORD nLangId) {
-    m_hPlugin = ::LoadLibraryW(PLUGIN_PATH);
+PluginJob::PluginJob(WORD nLangId, LPCWSTR lpszPath) {
+    m_hPlugin = ::LoadLibraryW(lpszPath);
     const auto pfnInit = reinterpret_cast<pi_init_fn>(reinterpret_cast<void*>(::GetProcAddress(m_hPlugin, PI_INIT_NAME)));
     pfnInit(&m_table, nLangId);
 }

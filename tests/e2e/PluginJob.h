@@ -22,7 +22,7 @@ struct HostEvent {
 /// still running.
 class PluginJob {
 public:
-    explicit PluginJob(WORD nLangId);
+    explicit PluginJob(WORD nLangId, LPCWSTR lpszPath = PLUGIN_PATH);
     PluginJob(const PluginJob&) = delete;
     PluginJob& operator=(const PluginJob&) = delete;
     ~PluginJob();
