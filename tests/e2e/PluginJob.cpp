@@ -46,27 +46,27 @@ void PluginJob::StartOnly(const std::vector<std::byte>& block) {
     m_table.pfnStart(Allocated(block), nullptr, Callback, this);
 }
 
-HWND PluginJob::Start(const std::vector<std::byte>& block) {
-    return StartWith(Allocated(block));
+HWND PluginJob::Start(const std::vector<std::byte>& block, CallSite where) {
+    return StartWith(Allocated(block), where);
 }
 
-HWND PluginJob::StartWith(void* pDib) {
+HWND PluginJob::StartWith(void* pDib, CallSite where) {
     m_table.pfnStart(pDib, nullptr, Callback, this);
-    m_hFrame = WaitForWindow(0);
+    m_hFrame = WaitForWindow(0, nullptr, nullptr, where);
     if (m_hFrame != nullptr) {
         m_hThread = ::OpenThread(SYNCHRONIZE, FALSE, ::GetWindowThreadProcessId(m_hFrame, nullptr));
-        WaitFor([&] { return ::IsZoomed(m_hFrame) != FALSE; });
+        WaitFor([&] { return ::IsZoomed(m_hFrame) != FALSE; }, kLongestWaitMs, where);
     }
     return m_hFrame;
 }
 
-bool PluginJob::Close() {
+bool PluginJob::Close(CallSite where) {
     ::PostMessageW(m_hFrame, WM_CLOSE, 0, 0);
-    return WaitForEnd();
+    return WaitForEnd(where);
 }
 
-bool PluginJob::WaitForEnd() {
-    const bool bEnded = WaitForThread(m_hThread);
+bool PluginJob::WaitForEnd(CallSite where) {
+    const bool bEnded = WaitForThread(m_hThread, kLongestWaitMs, where);
     ::CloseHandle(m_hThread);
     m_hThread = nullptr;
     m_hFrame = nullptr;
@@ -89,12 +89,12 @@ std::vector<HostEvent> PluginJob::Events() {
 std::wstring PluginJob::Pane(int nPane) const {
     const HWND hBar = ::GetDlgItem(m_hFrame, 59393);
     wchar_t text[300] = {};
-    ::SendMessageW(hBar, SB_GETTEXTW, static_cast<WPARAM>(nPane), reinterpret_cast<LPARAM>(text));
+    SendAndWait(hBar, SB_GETTEXTW, static_cast<WPARAM>(nPane), reinterpret_cast<LPARAM>(text));
     return text;
 }
 
-bool PluginJob::WaitForPane(int nPane, const std::wstring& text) const {
-    return WaitFor([&] { return Pane(nPane) == text; });
+bool PluginJob::WaitForPane(int nPane, const std::wstring& text, CallSite where) const {
+    return WaitFor([&] { return Pane(nPane) == text; }, kLongestWaitMs, where);
 }
 
 UINT PluginJob::MenuState(UINT nId) const {
@@ -102,40 +102,54 @@ UINT PluginJob::MenuState(UINT nId) const {
     for (int i = 0; i < ::GetMenuItemCount(hMenu); ++i) {
         const HMENU hPopup = ::GetSubMenu(hMenu, i);
         if (::GetMenuState(hPopup, nId, MF_BYCOMMAND) != UINT_MAX) {
-            ::SendMessageW(m_hFrame, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hPopup), i);
+            SendAndWait(m_hFrame, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hPopup), i);
             return ::GetMenuState(hPopup, nId, MF_BYCOMMAND);
         }
     }
     return UINT_MAX;
 }
 
+bool PluginJob::AskToolBar(UINT message, UINT nId) const {
+    DWORD_PTR nAnswer = 0;
+    return SendAndWait(ToolBar(), message, nId, 0, &nAnswer) && nAnswer != 0;
+}
+
 bool PluginJob::IsEnabled(UINT nId) const {
     const UINT nState = MenuState(nId);
-    return nState != UINT_MAX ? (nState & (MF_GRAYED | MF_DISABLED)) == 0
-                              : ::SendMessageW(ToolBar(), TB_ISBUTTONENABLED, nId, 0) != 0;
+    return nState != UINT_MAX ? (nState & (MF_GRAYED | MF_DISABLED)) == 0 : AskToolBar(TB_ISBUTTONENABLED, nId);
 }
 
 bool PluginJob::IsMarked(UINT nId) const {
     const UINT nState = MenuState(nId);
-    return nState != UINT_MAX ? (nState & MF_CHECKED) != 0 : ::SendMessageW(ToolBar(), TB_ISBUTTONCHECKED, nId, 0) != 0;
+    return nState != UINT_MAX ? (nState & MF_CHECKED) != 0 : AskToolBar(TB_ISBUTTONCHECKED, nId);
 }
 
-void PluginJob::Command(UINT nId) const {
-    Send(m_hFrame, WM_COMMAND, nId);
+bool PluginJob::Command(UINT nId, CallSite where) const {
+    return Send(m_hFrame, WM_COMMAND, nId, 0, where);
+}
+
+DWORD PluginJob::ThreadId() const {
+    return ::GetWindowThreadProcessId(m_hFrame, nullptr);
+}
+
+bool PluginJob::WaitUntilIdle(CallSite where) const {
+    return WaitFor([&] { return ::IsWindowEnabled(m_hFrame) != FALSE; }, kLongestWaitMs, where) &&
+           WaitUntilServed(ThreadId(), where);
 }
 
 // The paint may be one that the job's thread has seen in its queue: it then waits for another message before its idle time.
 void PluginJob::Paint() const {
     ::UpdateWindow(View());
-    ::SendMessageW(m_hFrame, WM_NULL, 0, 0);
+    SendAndWait(m_hFrame, WM_NULL);
     ::PostMessageW(m_hFrame, WM_NULL, 0, 0);
 }
 
 // A message that is sent to another thread is dealt with inside its wait for a posted one, so only a posted one behind
 // it brings the thread to its idle time.
-void PluginJob::Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) const {
-    ::SendMessageW(hWnd, message, wParam, lParam);
+bool PluginJob::Send(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, CallSite where) const {
+    const bool bDone = SendAndWait(hWnd, message, wParam, lParam, nullptr, where);
     ::PostMessageW(m_hFrame, WM_NULL, 0, 0);
+    return bDone;
 }
 
 COLORREF PixelAt(HWND hView, POINT pt) {
@@ -151,12 +165,12 @@ RECT ClientRect(HWND hWnd) {
     return rc;
 }
 
-std::wstring AnswerBox() {
-    const HWND hBox = WaitForWindow(0, L"#32770");
+std::wstring AnswerBox(CallSite where) {
+    const HWND hBox = WaitForWindow(0, L"#32770", nullptr, where);
     const std::wstring text = MessageBoxText(hBox);
     ::RedrawWindow(hBox, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW | RDW_ALLCHILDREN);
     PostCommand(hBox, IDOK);
-    WaitFor([&] { return ::IsWindow(hBox) == FALSE; });
+    WaitUntilClosed(hBox, where);
     return text;
 }
 

@@ -1,6 +1,7 @@
 // Driving real windows. Counting objects has two ways: Windows tells the number, Wine lets each handle be asked.
 #include "tests/support/WinDriver.h"
 
+#include <atomic>
 #include <cstdio>
 #include <vector>
 
@@ -40,6 +41,41 @@ std::wstring ClassOf(HWND hWnd) {
     return szName;
 }
 
+std::wstring TitleOf(HWND hWnd) {
+    wchar_t szText[200]{};
+    ::InternalGetWindowText(hWnd, szText, static_cast<int>(std::size(szText)));  // sends no message, so it can't hang
+    return szText;
+}
+
+void TellInVain(int nWaitedMs, const CallSite& where) {
+    std::fprintf(stderr, "%s:%u: waited %d ms in vain; open windows, topmost first:\n", where.file_name(),
+                 static_cast<unsigned>(where.line()), nWaitedMs);
+    for (const HWND hWnd : TopWindows()) {
+        std::fprintf(stderr, "    %ls \"%ls\"%s %ls\n", ClassOf(hWnd).c_str(), TitleOf(hWnd).c_str(),
+                     ::IsWindowEnabled(hWnd) != FALSE ? "" : " (disabled)", TitleOf(::GetDlgItem(hWnd, 0xFFFF)).c_str());
+    }
+    std::fflush(stderr);
+}
+
+// The marker of WaitUntilServed, as the thread that takes it from its queue tells of it.
+std::atomic<unsigned> g_nLastMarker{0};
+std::atomic<unsigned> g_nTakenMarker{0};
+std::atomic<bool> g_bInputLeft{false};
+
+UINT MarkerMessage() {
+    static const UINT nMessage = ::RegisterWindowMessageW(L"WidthTestMarker");
+    return nMessage;
+}
+
+LRESULT CALLBACK OnMessageTaken(int nCode, WPARAM wParam, LPARAM lParam) {
+    const auto* const pMsg = reinterpret_cast<const MSG*>(lParam);
+    if (nCode == HC_ACTION && wParam == PM_REMOVE && pMsg->hwnd == nullptr && pMsg->message == MarkerMessage()) {
+        g_bInputLeft = HIWORD(::GetQueueStatus(QS_INPUT | QS_POSTMESSAGE)) != 0;
+        g_nTakenMarker = static_cast<unsigned>(pMsg->wParam);
+    }
+    return ::CallNextHookEx(nullptr, nCode, wParam, lParam);
+}
+
 bool IsUserObject(UINT_PTR nHandle) {
     ICONINFO info{};
     if (::IsWindow(reinterpret_cast<HWND>(nHandle)) || ::IsMenu(reinterpret_cast<HMENU>(nHandle))) {
@@ -57,10 +93,11 @@ bool IsUserObject(UINT_PTR nHandle) {
 
 }  // namespace
 
-bool WaitFor(const std::function<bool()>& condition, int nTimeoutMs) {
+bool WaitFor(const std::function<bool()>& condition, int nTimeoutMs, CallSite where) {
     const ULONGLONG nEnd = ::GetTickCount64() + static_cast<ULONGLONG>(nTimeoutMs);
     while (!condition()) {
         if (::GetTickCount64() > nEnd) {
+            TellInVain(nTimeoutMs, where);
             return false;
         }
         ::Sleep(1);
@@ -68,8 +105,42 @@ bool WaitFor(const std::function<bool()>& condition, int nTimeoutMs) {
     return true;
 }
 
-bool WaitForThread(HANDLE hThread, DWORD nTimeoutMs) {
-    return ::WaitForSingleObject(hThread, nTimeoutMs) == WAIT_OBJECT_0;
+bool WaitForThread(HANDLE hThread, int nTimeoutMs, CallSite where) {
+    const bool bEnded = ::WaitForSingleObject(hThread, static_cast<DWORD>(nTimeoutMs)) == WAIT_OBJECT_0;
+    if (!bEnded) {
+        TellInVain(nTimeoutMs, where);
+    }
+    return bEnded;
+}
+
+bool SendAndWait(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR* pResult, CallSite where) {
+    DWORD_PTR nIgnored = 0;
+    if (::SendMessageTimeoutW(hWnd, message, wParam, lParam, SMTO_NORMAL, kLongestWaitMs,
+                              pResult != nullptr ? pResult : &nIgnored) != 0) {
+        return true;
+    }
+    if (::IsWindow(hWnd) != FALSE) {
+        TellInVain(kLongestWaitMs, where);
+    }
+    return false;
+}
+
+// The marker is a posted message, which goes before input. So where input is left the marker goes round once more, posted
+// from here: one that the thread posted to itself would never let the input have its turn.
+bool WaitUntilServed(DWORD nThreadId, CallSite where) {
+    const HHOOK hHook = ::SetWindowsHookExW(WH_GETMESSAGE, OnMessageTaken, nullptr, nThreadId);
+    const HANDLE hThread = ::OpenThread(SYNCHRONIZE, FALSE, nThreadId);
+    const auto hasEnded = [&] { return hThread == nullptr || ::WaitForSingleObject(hThread, 0) == WAIT_OBJECT_0; };
+    const auto goesRound = [&] {
+        const unsigned nMarker = ++g_nLastMarker;
+        ::PostThreadMessageW(nThreadId, MarkerMessage(), nMarker, 0);
+        return !WaitFor([&] { return g_nTakenMarker == nMarker || hasEnded(); }, kLongestWaitMs, where) || hasEnded() ||
+               !g_bInputLeft;
+    };
+    const bool bServed = WaitFor(goesRound, kLongestWaitMs, where) && !hasEnded() && g_nTakenMarker == g_nLastMarker;
+    ::CloseHandle(hThread);
+    ::UnhookWindowsHookEx(hHook);
+    return bServed;
 }
 
 HWND FindTopWindow(DWORD nThreadId, LPCWSTR lpszClass, LPCWSTR lpszTitle) {
@@ -83,15 +154,21 @@ HWND FindTopWindow(DWORD nThreadId, LPCWSTR lpszClass, LPCWSTR lpszTitle) {
     return nullptr;
 }
 
-HWND WaitForWindow(DWORD nThreadId, LPCWSTR lpszClass, LPCWSTR lpszTitle) {
+HWND WaitForWindow(DWORD nThreadId, LPCWSTR lpszClass, LPCWSTR lpszTitle, CallSite where) {
     HWND hWnd = nullptr;
-    WaitFor([&] { return (hWnd = FindTopWindow(nThreadId, lpszClass, lpszTitle)) != nullptr; });
+    WaitFor([&] { return (hWnd = FindTopWindow(nThreadId, lpszClass, lpszTitle)) != nullptr; }, kLongestWaitMs, where);
     return hWnd;
+}
+
+bool WaitUntilClosed(HWND hDlg, CallSite where) {
+    const DWORD nThreadId = ::GetWindowThreadProcessId(hDlg, nullptr);
+    return nThreadId == 0 ||
+           (WaitFor([&] { return ::IsWindow(hDlg) == FALSE; }, kLongestWaitMs, where) && WaitUntilServed(nThreadId, where));
 }
 
 std::wstring TextOf(HWND hWnd) {
     wchar_t szText[512]{};
-    ::SendMessageW(hWnd, WM_GETTEXT, std::size(szText), reinterpret_cast<LPARAM>(szText));
+    SendAndWait(hWnd, WM_GETTEXT, std::size(szText), reinterpret_cast<LPARAM>(szText));
     return szText;
 }
 
