@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <new>
 #include <random>
 #include <string>
@@ -14,7 +13,6 @@
 #include "core/PackedDib.h"
 #include "fuzz/FuzzInput.h"
 #include "imageio/ImageIo.h"
-#include "imageio/PlainBmp.h"
 
 namespace width::fuzz {
 
@@ -50,11 +48,6 @@ private:
     std::filesystem::path m_path;
 };
 
-bool IsPlainFile(const std::filesystem::path& path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pFile(std::fopen(path.c_str(), "rb"), &std::fclose);
-    return pFile != nullptr && IsPlain(ReadBmpHead(pFile.get()));
-}
-
 }  // namespace
 
 void TryFile(const std::uint8_t* pData, std::size_t nSize) {
@@ -67,7 +60,7 @@ void TryFile(const std::uint8_t* pData, std::size_t nSize) {
     if (!picture.block.empty()) {
         const std::optional<DibView> dib = DibView::Open(picture.block);
         Require(dib.has_value(), "what was read is a packed bitmap");
-        Require(IsReadableDepth(dib->BitCount()) || IsPlainFile(path), "what was read has pixels");
+        Require(IsReadableDepth(dib->BitCount()), "what was read has pixels");
     }
     Require(picture.error.find('\n') == std::string::npos, "an error is one line");
 }

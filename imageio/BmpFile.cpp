@@ -1,5 +1,5 @@
-// BMP: plain files as PlainBmp.h has them; all other kinds (run lengths, bit fields, other headers, top-down) are
-// unpacked by GraphicsMagick, and of those, 32-bit files stay 32 bits.
+// BMP: plain files as PlainBmp.h has them; all other kinds (run lengths, bit fields, 16 bits, top-down) are unpacked by
+// GraphicsMagick, and of those, 32-bit files stay 32 bits.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #include <magick/api.h>
 
@@ -82,9 +82,8 @@ using ChannelBits = std::array<std::uint32_t, 3>;
 
 ChannelBits ChannelBitsOf(const BmpHead& head) {
     constexpr std::uint32_t kBitFields = 3;
-    constexpr std::uint32_t kAlphaBitFields = 6;
     ChannelBits bits{QuantumDepth, QuantumDepth, QuantumDepth};
-    if (head.info.biCompression == kBitFields || head.info.biCompression == kAlphaBitFields) {
+    if (head.info.biCompression == kBitFields) {
         for (std::size_t i = 0; i < bits.size(); ++i) {
             bits[i] = std::clamp<std::uint32_t>(static_cast<std::uint32_t>(std::popcount(head.masks[i])), 1, QuantumDepth);
         }
@@ -144,14 +143,13 @@ LoadedPicture LoadOther(std::FILE* pFile, const BmpHead& head) {
     if (IsTooLargeForLibrary(head)) {
         return Failed("the picture is too large");
     }
-    std::vector<std::byte> file(static_cast<std::size_t>(head.nFileBytes));
-    std::rewind(pFile);
-    if (std::fread(file.data(), 1, file.size(), pFile) != file.size()) {
+    const auto file = ReadWithOrdinaryHeader(pFile, head);
+    if (!file.has_value()) {
         return Failed(kDamaged);
     }
     Magick::Start();
     MagickException exception;
-    const MagickImage pImage = Unpack(file, exception.Get());
+    const MagickImage pImage = Unpack(*file, exception.Get());
     if (pImage == nullptr || exception.IsError()) {
         return exception.Failure();
     }

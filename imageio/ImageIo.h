@@ -7,8 +7,8 @@
 // their high byte. An alpha channel is composited over white; a transparent entry or colour
 // keeps its colour. Resolution in both axes goes into biXPelsPerMeter and biYPelsPerMeter, rounded
 // to the nearest pixel per metre; a file without one, and one whose resolution has no unit, gives 0.
-// A bitmap file with a 40-byte header, uncompressed and bottom-up, becomes the block as it stands,
-// header values, colour table and all.
+// A bitmap file of such a depth, uncompressed and bottom-up, becomes the block as it stands, header
+// values, colour table and all, whatever the length of its header.
 //
 // The Windows source goes as far as the system's imaging component: it reads no TIFF pictures of more
 // than 4 GiB (BigTIFF), saves a resolution only when both axes have one and into JPEG in whole dots per

@@ -115,13 +115,13 @@ PictureHead HeadOf(std::span<const std::byte> file, WicFile kind) {
     }
 }
 
-LoadedPicture LoadByComponent(std::FILE* pFile, WicFile kind, const PictureHead* pHead) {
+LoadedPicture LoadByComponent(std::FILE* pFile, WicFile kind) {
     const auto file = ReadAll(pFile);
     if (!file.has_value()) {
         return Failed("the file is too large or cannot be read");
     }
     const ComScope scope;
-    return LoadWic(*file, kind, pHead != nullptr ? *pHead : HeadOf(*file, kind));
+    return LoadWic(*file, kind, HeadOf(*file, kind));
 }
 
 LoadedPicture LoadBitmapFile(std::FILE* pFile) {
@@ -132,11 +132,16 @@ LoadedPicture LoadBitmapFile(std::FILE* pFile) {
     if (IsPlain(bmp)) {
         return LoadPlainBmp(pFile, bmp);
     }
+    const auto file = bmp.nFileBytes <= kMaxBlockBytes ? ReadWithOrdinaryHeader(pFile, bmp) : std::nullopt;
+    if (!file.has_value()) {
+        return Failed("the file is too large or cannot be read");
+    }
     PictureHead head;
     head.nFileBits = bmp.info.biBitCount;
     head.nXPelsPerMeter = std::max<std::int32_t>(bmp.info.biXPelsPerMeter, 0);
     head.nYPelsPerMeter = std::max<std::int32_t>(bmp.info.biYPelsPerMeter, 0);
-    return LoadByComponent(pFile, WicFile::Bmp, &head);
+    const ComScope scope;
+    return LoadWic(*file, WicFile::Bmp, head);
 }
 
 LoadedPicture LoadOpened(const std::filesystem::path& path) {
@@ -157,7 +162,7 @@ LoadedPicture LoadOpened(const std::filesystem::path& path) {
         return Failed(nHead == 0 ? "the file is empty" : "not a BMP, PNG, JPEG, TIFF or GIF picture");
     }
     std::rewind(pFile.get());
-    return *kind == WicFile::Bmp ? LoadBitmapFile(pFile.get()) : LoadByComponent(pFile.get(), *kind, nullptr);
+    return *kind == WicFile::Bmp ? LoadBitmapFile(pFile.get()) : LoadByComponent(pFile.get(), *kind);
 }
 
 // What a save says of its failure.

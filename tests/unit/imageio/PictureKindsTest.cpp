@@ -1,0 +1,104 @@
+// Kinds of picture files in which the same pixels can stand, on every platform: every header of a bitmap file leads to
+// the same picture.
+#include "tests/unit/imageio/Blocks.h"
+
+namespace width {
+namespace {
+
+using ::testing::ElementsAre;
+
+using PictureKinds = ImageIo;
+
+// The header of a bitmap file in another length: shorter ones without what lies behind, longer ones with fields of their
+// own there, which for the kind of 64 bytes are no colours and no masks.
+Bytes WithLength(const Bytes& header, std::uint32_t nLength) {
+    Bytes other = header;
+    other.resize(nLength, std::byte{0x37});
+    Put(other, 0, nLength);
+    if (nLength == 12) {
+        std::int32_t nSide = 0;
+        for (const std::size_t i : {0U, 1U}) {
+            std::memcpy(&nSide, header.data() + 4 + 4 * i, sizeof nSide);
+            Put(other, 4 + 2 * i, static_cast<std::uint16_t>(nSide));
+        }
+        std::copy_n(header.begin() + 12, 4, other.begin() + 8);
+    }
+    if (nLength >= 52 && nLength != 64) {
+        Put(other, 40, std::uint32_t{0xff0000});
+        Put(other, 44, std::uint32_t{0xff00});
+        Put(other, 48, std::uint32_t{0xff});
+    }
+    return other;
+}
+
+Bytes WithoutFourthBytes(const Bytes& table) {
+    Bytes other;
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (i % 4 != 3) {
+            other.push_back(table[i]);
+        }
+    }
+    return other;
+}
+
+TEST_F(PictureKinds, EveryHeaderOfABitmapFileGivesTheSamePicture) {
+    for (const int nDepth : {1, 4, 8, 24, 32}) {
+        const Bytes block = Block(9, 5, nDepth);
+        const auto nRows = static_cast<std::ptrdiff_t>(ViewOf(block).Figures().nBitsOffset);
+        const Bytes header(block.begin(), block.begin() + 40);
+        const Bytes table(block.begin() + 40, block.begin() + nRows);
+        const Bytes rows(block.begin() + nRows, block.end());
+        for (const std::uint32_t nLength : {12U, 16U, 40U, 52U, 56U, 64U, 108U, 124U}) {
+            SCOPED_TRACE(std::to_string(nDepth) + " bits, header of " + std::to_string(nLength));
+            const LoadedPicture picture =
+                LoadBytes(BmpFile(WithLength(header, nLength), nLength == 12 ? WithoutFourthBytes(table) : table, rows));
+            ASSERT_EQ(picture.error, "");
+            EXPECT_EQ(ViewOf(picture.block).BitCount(), nDepth);
+            EXPECT_EQ(Pixels(picture.block), Pixels(block));
+            EXPECT_EQ(ViewOf(picture.block).Palette(), ViewOf(block).Palette());
+            EXPECT_EQ(ViewOf(picture.block).Figures().nYPelsPerMeter, nLength < 40 ? 0 : 11811);
+        }
+    }
+}
+
+TEST_F(PictureKinds, EveryHeaderOfABitmapFileLeadsToRunsAndFieldsAndRowsFromTheTop) {
+    const Bytes table = BytesOf({1, 1, 10, 0, 2, 2, 20, 0, 3, 3, 30, 0});
+    Bytes runs = Header(4, 2, 8, 3, 1);
+    Put(runs, 20, std::uint32_t{14});
+    for (const std::uint32_t nLength : {40U, 52U, 56U, 64U, 108U, 124U}) {
+        SCOPED_TRACE(nLength);
+        const Bytes runRows = BytesOf({3, 1, 1, 2, 0, 0, 0, 4, 2, 1, 0, 1, 0, 1});
+        EXPECT_THAT(Reds(LoadBytes(BmpFile(WithLength(runs, nLength), table, runRows)).block),
+                    ElementsAre(30, 20, 10, 20, 20, 20, 20, 30));
+        const Bytes topDown = WithLength(Header(3, -2, 4, 3), nLength);
+        EXPECT_THAT(Reds(LoadBytes(BmpFile(topDown, table, BytesOf({0x01, 0x20, 0, 0, 0x22, 0x10, 0, 0}))).block),
+                    ElementsAre(10, 20, 30, 30, 30, 20));
+        const Bytes deep = LoadBytes(BmpFile(WithLength(Header(2, 1, 16, 0), nLength), {}, BytesOf({0, 0x7c, 0x1f, 0}))).block;
+        EXPECT_EQ(ViewOf(deep).BitCount(), 24);
+        EXPECT_THAT(Pixels(deep), ElementsAre(255, 0, 0, 0, 0, 255));
+        if (nLength == 64) {
+            continue;  // whose third packing is another one
+        }
+        Bytes fields = WithLength(Header(2, 1, 16, 0, 3), nLength);
+        for (const std::uint32_t nMask : {0xf800U, 0x7e0U, 0x1fU}) {
+            Put(fields, nMask == 0xf800U ? 40 : nMask == 0x7e0U ? 44 : 48, nMask);
+        }
+        EXPECT_THAT(Pixels(LoadBytes(BmpFile(fields, {}, BytesOf({0, 0xf8, 0x1f, 0}))).block), ElementsAre(255, 0, 0, 0, 0, 255));
+        Bytes swapped = WithLength(Header(2, 1, 32, 0, 3), nLength);
+        for (const std::uint32_t nMask : {0xffU, 0xff00U, 0xff0000U}) {
+            Put(swapped, nMask == 0xffU ? 40 : nMask == 0xff00U ? 44 : 48, nMask);
+        }
+        EXPECT_THAT(Pixels(LoadBytes(BmpFile(swapped, {}, BytesOf({1, 2, 3, 0, 4, 5, 6, 0}))).block),
+                    ElementsAre(1, 2, 3, 4, 5, 6));
+    }
+}
+
+TEST_F(PictureKinds, BitmapFilesOfKindsThatNobodyUnpacksSaySo) {
+    for (const Bytes& header : {Header(8, 1, 2, 0), Header(8, 1, 1, 0, 3), Header(8, 1, 24, 0, 4), Header(8, 1, 8, 0, 9)}) {
+        EXPECT_EQ(LoadBytes(BmpFile(WithLength(header, 64), Bytes(1024), Bytes(64))).error,
+                  "the BMP picture is of a kind that can't be read here");
+    }
+}
+
+}  // namespace
+}  // namespace width
