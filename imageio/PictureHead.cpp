@@ -172,7 +172,6 @@ TiffTable FindTiffTable(std::span<const std::byte> bytes) noexcept {
 }
 
 PictureHead ReadTiffHead(std::span<const std::byte> bytes) noexcept {
-    constexpr std::uint16_t kOrientation = 274;
     constexpr std::uint16_t kXResolution = 282;
     constexpr std::uint16_t kYResolution = 283;
     const FileNumbers file(bytes, !bytes.empty() && bytes.front() == std::byte{'M'});
@@ -184,10 +183,6 @@ PictureHead ReadTiffHead(std::span<const std::byte> bytes) noexcept {
     PictureHead head;
     head.nXPelsPerMeter = resolution(kXResolution);
     head.nYPelsPerMeter = resolution(kYResolution);
-    const auto turned = FindField(file, kOrientation);
-    if (turned.has_value() && turned->Short() >= 1 && turned->Short() <= 8) {
-        head.nTurned = turned->Short();
-    }
     return head;
 }
 

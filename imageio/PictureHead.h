@@ -19,7 +19,6 @@ struct PictureHead {
     bool bGrey = false;           ///< PNG: grey levels, with or without alpha
     bool bAlpha = true;           ///< PNG: an alpha channel; a colour that is only named as hidden does not count
     std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file
-    std::uint16_t nTurned = 1;    ///< TIFF: where the first row and column lie, 1..8 as the format counts; 1: top left
 };
 
 PictureHead ReadPngHead(std::span<const std::byte> file) noexcept;

@@ -1,7 +1,7 @@
 // TIFF, by libtiff. Grey, palette and colour pictures with their samples side by side are read row
-// by row, or tile by tile, and keep their depth; every other kind (planes, inks, chroma, alpha,
-// mirrored rows, odd depths) is left to the library's own conversion and becomes 24 bits over
-// white. The first picture of a file counts.
+// by row, or tile by tile, and keep their depth; every other kind (planes, inks, chroma, alpha, odd
+// depths) is left to the library's own conversion and becomes 24 bits over white. Rows stay in the
+// order in which they are stored, whatever the orientation mark says. The first picture of a file counts.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #include <tiffio.h>
 #include <unistd.h>
@@ -82,7 +82,7 @@ struct TiffLayout {
     std::uint16_t nSamples = 1;
     std::uint16_t nPhotometric = 0;
     bool bContiguous = true;
-    bool bPlainRows = true;  // unsigned samples, top row first, left pixel first
+    bool bUnsigned = true;
     bool bTiled = false;
     std::uint32_t nTileWidth = 0;
     std::uint32_t nTileHeight = 0;
@@ -97,8 +97,7 @@ TiffLayout LayoutOf(TIFF* pTiff) {
     layout.nPhotometric = FieldOr<std::uint16_t>(pTiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MASK);
     layout.bContiguous =
         layout.nSamples == 1 || FieldOr<std::uint16_t>(pTiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG;
-    layout.bPlainRows = FieldOr<std::uint16_t>(pTiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == ORIENTATION_TOPLEFT &&
-                        FieldOr<std::uint16_t>(pTiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) == SAMPLEFORMAT_UINT;
+    layout.bUnsigned = FieldOr<std::uint16_t>(pTiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) == SAMPLEFORMAT_UINT;
     layout.bTiled = TIFFIsTiled(pTiff) != 0;
     if (layout.bTiled) {
         layout.nTileWidth = FieldOr<std::uint32_t>(pTiff, TIFFTAG_TILEWIDTH, 0);
@@ -120,7 +119,7 @@ bool KeepsDepth(const TiffLayout& layout) {
     const auto isOneOf = [](std::uint16_t nBits, std::initializer_list<std::uint16_t> depths) {
         return std::find(depths.begin(), depths.end(), nBits) != depths.end();
     };
-    if (!layout.bContiguous || !layout.bPlainRows) {
+    if (!layout.bContiguous || !layout.bUnsigned) {
         return false;
     }
     if (std::uint64_t{layout.nTileWidth} * layout.nBitsPerSample * layout.nSamples % 8 != 0) {
@@ -294,8 +293,8 @@ LoadedPicture ReadConverted(TIFF* pTiff, const TiffLayout& layout, const Complai
     }
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(nPixels));
     const int nStopOnError = 1;
-    const int nDone =
-        TIFFReadRGBAImageOriented(pTiff, layout.nWidth, layout.nHeight, raster.data(), ORIENTATION_TOPLEFT, nStopOnError);
+    const int nAsStored = FieldOr<std::uint16_t>(pTiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    const int nDone = TIFFReadRGBAImageOriented(pTiff, layout.nWidth, layout.nHeight, raster.data(), nAsStored, nStopOnError);
     if (nDone == 0 || complaints.Any()) {
         return Damaged(complaints);
     }

@@ -188,7 +188,6 @@ public:
 private:
     bool OpenSource(std::span<const std::byte> file);
     bool ChooseKind();
-    bool TurnSource();
     bool ReadTable();
     LoadedPicture ReadPixels();
     bool CanUnpackTo(std::uint64_t nPixels) const;
@@ -204,7 +203,7 @@ private:
     const PictureHead& m_head;
     Com<IWICStream> m_pStream;
     Com<IWICBitmapFrameDecode> m_pFrame;
-    Com<IWICBitmapSource> m_pOther;         // what is read instead of the frame: converted or turned
+    Com<IWICBitmapSource> m_pOther;         // what is read instead of the frame, converted
     IWICBitmapSource* m_pSource = nullptr;  // one of the two
     const PixelKind* m_pKind = nullptr;     // of m_pSource's pixels
     std::uint64_t m_nFileBytes = 0;
@@ -245,24 +244,6 @@ bool WicPicture::ChooseKind() {
     m_pOther = std::move(pConverter);
     m_pSource = m_pOther.get();
     m_pKind = KindOf(GUID_WICPixelFormat32bppBGRA, m_file, m_head);
-    return true;
-}
-
-// The ways 5 to 8 exchange rows and columns as well; like other readers this one leaves that to the reader.
-bool WicPicture::TurnSource() {
-    constexpr std::array kOptions{WICBitmapTransformRotate0, WICBitmapTransformFlipHorizontal, WICBitmapTransformRotate180,
-                                  WICBitmapTransformFlipVertical};
-    const WICBitmapTransformOptions options = kOptions[(m_head.nTurned - 1U) % kOptions.size()];
-    if (options == WICBitmapTransformRotate0) {
-        return true;
-    }
-    auto pTurned =
-        MakeCom<IWICBitmapFlipRotator>([&](IWICBitmapFlipRotator** pp) { return m_factory.CreateBitmapFlipRotator(pp); });
-    if (pTurned == nullptr || FAILED(pTurned->Initialize(m_pSource, options))) {
-        return false;
-    }
-    m_pSource = pTurned.get();
-    m_pOther = std::move(pTurned);
     return true;
 }
 
@@ -371,7 +352,7 @@ LoadedPicture WicPicture::ReadPixels() {
 
 LoadedPicture WicPicture::Read(std::span<const std::byte> file) {
     m_nFileBytes = file.size();
-    if (!m_head.bWhole || !OpenSource(file) || !ChooseKind() || !TurnSource() || !ReadTable()) {
+    if (!m_head.bWhole || !OpenSource(file) || !ChooseKind() || !ReadTable()) {
         return Damaged();
     }
     return ReadPixels();

@@ -1,6 +1,6 @@
 // Kinds of picture files in which the same pixels can stand, on every platform: every header of a bitmap file leads to
-// the same picture.
-#include "tests/unit/imageio/Blocks.h"
+// the same picture, and rows stay where they are stored.
+#include "tests/unit/imageio/Files.h"
 
 namespace width {
 namespace {
@@ -97,6 +97,24 @@ TEST_F(PictureKinds, BitmapFilesOfKindsThatNobodyUnpacksSaySo) {
     for (const Bytes& header : {Header(8, 1, 2, 0), Header(8, 1, 1, 0, 3), Header(8, 1, 24, 0, 4), Header(8, 1, 8, 0, 9)}) {
         EXPECT_EQ(LoadBytes(BmpFile(WithLength(header, 64), Bytes(1024), Bytes(64))).error,
                   "the BMP picture is of a kind that can't be read here");
+    }
+}
+
+// Where the first row and column lie: 1 top left, 2 top right, 3 bottom right, 4 bottom left, 5 to 8 with rows and columns
+// exchanged.
+TEST_F(PictureKinds, OrientationMarksMoveNoPixel) {
+    for (int nOrientation = 1; nOrientation <= 8; ++nOrientation) {
+        SCOPED_TRACE(nOrientation);
+        const TiffField turned{274, {nOrientation}};
+        const Bytes grey =
+            LoadBytes(TiffFile(3, 2, {{258, {8}}, {262, {1}}, turned, {277, {1}}}, BytesOf({1, 2, 3, 4, 5, 6}))).block;
+        EXPECT_EQ(ViewOf(grey).BitCount(), 8);
+        EXPECT_EQ(ViewOf(grey).Width(), 3);
+        EXPECT_THAT(Reds(grey), ElementsAre(1, 2, 3, 4, 5, 6));
+        const Bytes alpha = LoadBytes(TiffFile(2, 2, {{258, {8, 8, 8, 8}}, {262, {2}}, turned, {277, {4}}, {338, {2}}},
+                                               BytesOf({1, 0, 0, 255, 2, 0, 0, 255, 3, 0, 0, 255, 4, 0, 0, 0})))
+                                .block;
+        EXPECT_THAT(Reds(alpha), ElementsAre(1, 2, 3, 255));
     }
 }
 
