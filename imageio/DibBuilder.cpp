@@ -73,9 +73,10 @@ std::string DibBuilder::Create(std::uint64_t nWidth, std::uint64_t nHeight, std:
     return Create(header);
 }
 
-void DibBuilder::SetColour(std::uint32_t i, std::uint8_t red, std::uint8_t green, std::uint8_t blue) noexcept {
+void DibBuilder::SetColour(std::uint32_t i, std::uint8_t red, std::uint8_t green, std::uint8_t blue,
+                           std::uint8_t alpha) noexcept {
     if (i < m_nEntries) {
-        const std::array<std::uint8_t, 4> entry{blue, green, red, 0};
+        const std::array<std::uint8_t, 4> entry{OverWhite(blue, alpha), OverWhite(green, alpha), OverWhite(red, alpha), 0};
         std::memcpy(Table().data() + std::size_t{4} * i, entry.data(), entry.size());
     }
 }

@@ -29,6 +29,11 @@ constexpr std::uint8_t GreyLevel(std::uint32_t i, std::uint32_t nBitCount) noexc
     return static_cast<std::uint8_t>(i * 255U / ((1U << nBitCount) - 1U));
 }
 
+/// A level over white, by its alpha: 0 lets white through, 255 nothing.
+constexpr std::uint8_t OverWhite(std::uint32_t nLevel, std::uint32_t nAlpha) noexcept {
+    return static_cast<std::uint8_t>((nLevel * nAlpha + 255U * (255U - nAlpha) + 127U) / 255U);
+}
+
 /// A resolution as a header holds it: rounded to the nearest pixel per metre; 0 for one that is
 /// not positive, not a number, or beyond 32 bits.
 std::int32_t RoundedPelsPerMeter(double fPelsPerMeter) noexcept;
@@ -48,8 +53,8 @@ public:
     /// nEntries   entries of the colour table, at most 2^nBitCount are made; not read above 8 bits
     std::string Create(std::uint64_t nWidth, std::uint64_t nHeight, std::uint16_t nBitCount, std::uint32_t nEntries = 0);
 
-    /// Sets entry i of the colour table. An entry that the table does not have is dropped.
-    void SetColour(std::uint32_t i, std::uint8_t red, std::uint8_t green, std::uint8_t blue) noexcept;
+    /// Sets entry i of the colour table, laid on white by its alpha. An entry that the table does not have is dropped.
+    void SetColour(std::uint32_t i, std::uint8_t red, std::uint8_t green, std::uint8_t blue, std::uint8_t alpha = 255) noexcept;
 
     /// Fills the table with all grey levels of a depth, black first, or white first when inverted.
     void SetGreyTable(std::uint32_t nBitCount, bool bInverted = false) noexcept;

@@ -1,5 +1,5 @@
 // GIF, by giflib. The first picture is taken with its own size and colour table; a transparent
-// entry keeps its colour. A table has 2, 4, 8, ... 256 entries, so up to 2 become 1 bit per pixel,
+// entry becomes white. A table has 2, 4, 8, ... 256 entries, so up to 2 become 1 bit per pixel,
 // up to 16 become 4 and more become 8. The format has no resolution.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #include <gif_lib.h>
@@ -36,11 +36,16 @@ int WriteBytes(GifFileType* pGif, const GifByteType* pSource, int nBytes) {
     return static_cast<int>(std::fwrite(pSource, 1, static_cast<std::size_t>(nBytes), static_cast<std::FILE*>(pGif->UserData)));
 }
 
-bool SkipExtension(GifFileType* pGif) {
+// Reads an extension, for the entry that the next picture hides.
+bool ReadExtension(GifFileType* pGif, int& nHidden) {
     int nCode = 0;
     GifByteType* pBytes = nullptr;
     if (DGifGetExtension(pGif, &nCode, &pBytes) != GIF_OK) {
         return false;
+    }
+    GraphicsControlBlock control{};
+    if (nCode == GRAPHICS_EXT_FUNC_CODE && pBytes != nullptr && DGifExtensionToGCB(pBytes[0], pBytes + 1, &control) == GIF_OK) {
+        nHidden = control.TransparentColor;
     }
     while (pBytes != nullptr) {
         if (DGifGetExtensionNext(pGif, &pBytes) != GIF_OK) {
@@ -51,13 +56,14 @@ bool SkipExtension(GifFileType* pGif) {
 }
 
 // Moves to the first picture's descriptor. false: there is none, or the file is damaged.
-bool FindPicture(GifFileType* pGif) {
+// nHidden  gets the number of the entry that is transparent, or stays as it is
+bool FindPicture(GifFileType* pGif, int& nHidden) {
     GifRecordType type = UNDEFINED_RECORD_TYPE;
     while (DGifGetRecordType(pGif, &type) == GIF_OK) {
         if (type == IMAGE_DESC_RECORD_TYPE) {
             return DGifGetImageDesc(pGif) == GIF_OK;
         }
-        if (type != EXTENSION_RECORD_TYPE || !SkipExtension(pGif)) {
+        if (type != EXTENSION_RECORD_TYPE || !ReadExtension(pGif, nHidden)) {
             return false;
         }
     }
@@ -98,7 +104,7 @@ bool ReadRows(GifFileType* pGif, std::uint32_t nBits, DibBuilder& builder) {
     return true;
 }
 
-LoadedPicture ReadPicture(GifFileType* pGif) {
+LoadedPicture ReadPicture(GifFileType* pGif, int nHidden) {
     const std::uint64_t nPixels = static_cast<std::uint64_t>(pGif->Image.Width) * static_cast<std::uint64_t>(pGif->Image.Height);
     if (!CanUnpackTo(static_cast<std::FILE*>(pGif->UserData), nPixels, kPixelsPerByte)) {
         return Failed(WithDetail("the GIF picture is damaged", kEndsEarly));
@@ -116,7 +122,8 @@ LoadedPicture ReadPicture(GifFileType* pGif) {
         return Failed(std::move(error));
     }
     for (std::uint32_t i = 0; i < nEntries; ++i) {
-        builder.SetColour(i, pMap->Colors[i].Red, pMap->Colors[i].Green, pMap->Colors[i].Blue);
+        builder.SetColour(i, pMap->Colors[i].Red, pMap->Colors[i].Green, pMap->Colors[i].Blue,
+                          static_cast<int>(i) == nHidden ? 0 : 255);
     }
     return ReadRows(pGif, nBits, builder) ? builder.Finish() : Damaged(pGif->Error);
 }
@@ -177,7 +184,8 @@ LoadedPicture LoadGif(std::FILE* pFile) {
     if (pGif == nullptr) {
         return Damaged(nError);
     }
-    return FindPicture(pGif.get()) ? ReadPicture(pGif.get()) : Damaged(pGif->Error);
+    int nHidden = NO_TRANSPARENT_COLOR;
+    return FindPicture(pGif.get(), nHidden) ? ReadPicture(pGif.get(), nHidden) : Damaged(pGif->Error);
 }
 
 std::string SaveGif(std::FILE* pFile, const SourceBlock& source) {

@@ -4,12 +4,12 @@
 // Depth is kept where a packed bitmap can hold it: 1, 4 and 8 bits with the file's own colour table
 // in its own order, 24 bits otherwise, 32 bits for a bitmap file that has them. Two-bit pictures
 // become 4 bits, grey pictures get a grey table of all levels of their depth, 16-bit samples keep
-// their high byte. An alpha channel is composited over white; a transparent entry or colour
-// keeps its colour. Rows stay in the order in which they are stored, whatever a file says of its
-// orientation. Resolution in both axes goes into biXPelsPerMeter and biYPelsPerMeter, rounded
-// to the nearest pixel per metre; a file without one, and one whose resolution has no unit, gives 0.
-// A bitmap file of such a depth, uncompressed and bottom-up, becomes the block as it stands, header
-// values, colour table and all, whatever the length of its header.
+// their high byte. What is transparent is composited over white: pixels of an alpha channel or of a
+// colour that the file hides, and entries of a colour table, which keep their places. Rows stay in the
+// order in which they are stored, whatever a file says of its orientation. Resolution in both axes goes into biXPelsPerMeter and
+// biYPelsPerMeter, rounded to the nearest pixel per metre; a file without one, and one whose resolution has no unit, gives 0. A
+// bitmap file of such a depth, uncompressed and bottom-up, becomes the block as it stands, header values, colour table and all,
+// whatever the length of its header.
 //
 // The Windows source goes as far as the system's imaging component: it reads no TIFF pictures of more
 // than 4 GiB (BigTIFF), saves a resolution only when both axes have one and into JPEG in whole dots per

@@ -17,8 +17,7 @@ struct PictureHead {
     std::int32_t nYPelsPerMeter = 0;
     bool bWhole = true;           ///< PNG, JPEG: the picture's end mark is there
     bool bGrey = false;           ///< PNG: grey levels, with or without alpha
-    bool bAlpha = true;           ///< PNG: an alpha channel; a colour that is only named as hidden does not count
-    std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file
+    std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file; PNG: bits per sample
 };
 
 PictureHead ReadPngHead(std::span<const std::byte> file) noexcept;

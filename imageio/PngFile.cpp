@@ -1,13 +1,15 @@
 // PNG, by libpng. Rows of 1, 4 and 8 bits have the same layout in the file and in the block, so
 // they are read in place; 24-bit rows are asked for as blue, green, red. Rows of two bits and rows
 // with an alpha channel take a detour. Alpha is composited over white, by the sample values as they
-// stand, whatever gamma the file speaks of; a tRNS chunk, which only names a colour or some entries to hide, is
-// ignored, so that depth and colour table stay as they are.
+// stand, whatever gamma the file speaks of. A tRNS chunk gives entries of a table an alpha, or names
+// a colour to hide: where the block has a table that is done there, elsewhere the rows get an alpha channel.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #include <png.h>
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -38,17 +40,19 @@ public:
 
 private:
     void ReadHeader();
+    void ReadHidden();
     void AskForTransforms();
     std::uint16_t BlockDepth() const noexcept;
     std::uint32_t SampleBits() const noexcept { return static_cast<std::uint32_t>(std::min(m_nFileDepth, 8)); }
     std::uint32_t TableEntries() const noexcept;
     std::string Allocate();
-    bool HasAlpha() const noexcept { return (m_nColourType & PNG_COLOR_MASK_ALPHA) != 0; }
+    bool HasAlpha() const noexcept { return (m_nColourType & PNG_COLOR_MASK_ALPHA) != 0 || m_bHiddenByRows; }
     bool IsDetour() const noexcept { return m_nFileDepth == 2 || HasAlpha(); }
     std::uint8_t* ReadTarget(std::uint32_t y) noexcept;
     void ReadRows();
     void PlaceRow(std::uint32_t y) noexcept;
     void FillTable();
+    void FillColours();
     void FillResolution();
     LoadedPicture Damaged() const { return Failed(WithDetail("the PNG picture is damaged", m_guard.Text())); }
 
@@ -63,6 +67,9 @@ private:
     int m_nColourType = 0;
     int m_nFileDepth = 0;
     int m_nPasses = 1;
+    std::span<const png_byte> m_alphas;  // of the first entries of the table
+    std::optional<png_uint_16> m_hiddenGrey;
+    bool m_bHiddenByRows = false;  // a hidden colour that no entry of a table stands for
 };
 
 void PngReader::ReadHeader() {
@@ -76,9 +83,29 @@ void PngReader::ReadHeader() {
     png_read_info(m_png, m_info);
     m_nColourType = png_get_color_type(m_png, m_info);
     m_nFileDepth = png_get_bit_depth(m_png, m_info);
+    ReadHidden();
+}
+
+void PngReader::ReadHidden() {
+    png_bytep pAlphas = nullptr;
+    png_color_16p pColour = nullptr;
+    int nAlphas = 0;
+    if (png_get_tRNS(m_png, m_info, &pAlphas, &nAlphas, &pColour) == 0) {
+        return;
+    }
+    if (m_nColourType == PNG_COLOR_TYPE_PALETTE) {
+        m_alphas = {pAlphas, static_cast<std::size_t>(nAlphas)};
+    } else if (m_nColourType == PNG_COLOR_TYPE_GRAY && m_nFileDepth <= 8) {
+        m_hiddenGrey = pColour->gray;
+    } else {
+        m_bHiddenByRows = true;
+    }
 }
 
 void PngReader::AskForTransforms() {
+    if (m_bHiddenByRows) {
+        png_set_tRNS_to_alpha(m_png);
+    }
     if (m_nFileDepth == 16) {
         png_set_strip_16(m_png);
     }
@@ -139,10 +166,8 @@ std::uint8_t* PngReader::ReadTarget(std::uint32_t y) noexcept {
 // Mixes nChannels samples and an alpha with white, a pixel after the other.
 void PlaceOverWhite(const std::uint8_t* pSource, std::uint32_t nWidth, std::size_t nChannels, std::uint8_t* pTarget) {
     for (std::uint32_t x = 0; x < nWidth; ++x, pSource += nChannels + 1) {
-        const std::uint32_t nAlpha = pSource[nChannels];
         for (std::size_t i = 0; i < nChannels; ++i) {
-            const std::uint32_t nMixed = pSource[i] * nAlpha + 255U * (255U - nAlpha);
-            *pTarget++ = static_cast<std::uint8_t>((nMixed + 127U) / 255U);
+            *pTarget++ = OverWhite(pSource[i], pSource[nChannels]);
         }
     }
 }
@@ -173,14 +198,24 @@ void PngReader::ReadRows() {
 }
 
 void PngReader::FillTable() {
+    if (m_nColourType == PNG_COLOR_TYPE_PALETTE) {
+        FillColours();
+        return;
+    }
+    m_builder.SetGreyTable(SampleBits());
+    if (m_hiddenGrey.has_value()) {
+        m_builder.SetColour(*m_hiddenGrey, 255, 255, 255);
+    }
+}
+
+void PngReader::FillColours() {
     png_colorp pColours = nullptr;
     int nColours = 0;
-    if (m_nColourType != PNG_COLOR_TYPE_PALETTE) {
-        m_builder.SetGreyTable(SampleBits());
-    } else if (png_get_PLTE(m_png, m_info, &pColours, &nColours) != 0) {
-        for (int i = 0; i < nColours; ++i) {
-            m_builder.SetColour(static_cast<std::uint32_t>(i), pColours[i].red, pColours[i].green, pColours[i].blue);
-        }
+    png_get_PLTE(m_png, m_info, &pColours, &nColours);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(nColours); ++i) {
+        const png_color& colour = pColours[i];
+        m_builder.SetColour(static_cast<std::uint32_t>(i), colour.red, colour.green, colour.blue,
+                            i < m_alphas.size() ? m_alphas[i] : png_byte{255});
     }
 }
 

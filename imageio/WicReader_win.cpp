@@ -79,10 +79,9 @@ template <std::size_t kStep, std::size_t kRed, std::size_t kBlue>
 void PlaceOverWhite(const std::uint8_t* pSource, std::uint32_t nWidth, std::uint8_t* pTarget) {
     for (std::uint32_t x = 0; x < nWidth; ++x, pSource += 4 * kStep, pTarget += 3) {
         const auto sample = [pSource](std::size_t i) { return std::uint32_t{pSource[i * kStep + kStep - 1]}; };
-        const std::uint32_t nAlpha = sample(3);
         const std::array<std::uint32_t, 3> colour{sample(kBlue), sample(1), sample(kRed)};
         for (std::size_t i = 0; i < 3; ++i) {
-            pTarget[i] = static_cast<std::uint8_t>((colour[i] * nAlpha + 255U * (255U - nAlpha) + 127U) / 255U);
+            pTarget[i] = OverWhite(colour[i], sample(3));
         }
     }
 }
@@ -97,16 +96,6 @@ void AddWhite(const std::uint8_t* pSource, std::uint32_t nWidth, std::uint8_t* p
         for (std::size_t i = 0; i < 3; ++i) {
             pTarget[i] = static_cast<std::uint8_t>(std::min(colour[i] + nWhite, 255U));
         }
-    }
-}
-
-// Colours whose alpha does not count.
-template <std::size_t kStep, std::size_t kRed, std::size_t kBlue>
-void IgnoreAlpha(const std::uint8_t* pSource, std::uint32_t nWidth, std::uint8_t* pTarget) {
-    for (std::uint32_t x = 0; x < nWidth; ++x, pSource += 4 * kStep, pTarget += 3) {
-        pTarget[0] = pSource[kBlue * kStep + kStep - 1];
-        pTarget[1] = pSource[2 * kStep - 1];
-        pTarget[2] = pSource[kRed * kStep + kStep - 1];
     }
 }
 
@@ -145,13 +134,6 @@ constexpr std::array kKinds{
     PixelKind{&GUID_WICPixelFormat64bppPRGBA, 64, 24, Colours::True, AddWhite<2, 0, 2>},
 };
 
-// The same for a PNG picture without an alpha channel, which gets one where it names a colour as hidden.
-constexpr std::array kOpaqueKinds{
-    PixelKind{&GUID_WICPixelFormat32bppBGRA, 32, 24, Colours::True, IgnoreAlpha<1, 2, 0>},
-    PixelKind{&GUID_WICPixelFormat32bppRGBA, 32, 24, Colours::True, IgnoreAlpha<1, 0, 2>},
-    PixelKind{&GUID_WICPixelFormat64bppRGBA, 64, 24, Colours::True, IgnoreAlpha<2, 0, 2>},
-};
-
 // Bitmap files whose pixels have 32 bits and keep them: the fourth byte has no meaning in a block and stays 0.
 void ClearFourth(const std::uint8_t* pSource, std::uint32_t nWidth, std::uint8_t* pTarget) {
     for (std::uint32_t x = 0; x < nWidth; ++x, pSource += 4, pTarget += 4) {
@@ -172,9 +154,6 @@ const PixelKind* FindIn(const Kinds& kinds, const GUID& format) {
 
 const PixelKind* KindOf(const GUID& format, WicFile kind, const PictureHead& head) {
     const PixelKind* pKind = kind == WicFile::Bmp && head.nFileBits == 32 ? FindIn(kBitmapKinds, format) : nullptr;
-    if (kind == WicFile::Png && !head.bAlpha) {
-        pKind = FindIn(kOpaqueKinds, format);
-    }
     return pKind != nullptr ? pKind : FindIn(kKinds, format);
 }
 
@@ -196,6 +175,7 @@ private:
     void FillTable(DibBuilder& builder) const;
     std::uint16_t BlockBits() const;
     bool IsGreyOfColours() const;
+    std::uint32_t GreyBits() const;
     LoadedPicture Damaged() const { return Failed(std::string("the ") + WicFileName(m_file) + " picture is damaged"); }
 
     IWICImagingFactory& m_factory;
@@ -260,20 +240,28 @@ bool WicPicture::ReadTable() {
     return nColours != 0 && SUCCEEDED(pPalette->GetColors(nColours, m_table.data(), &nColours));
 }
 
+// Hidden entries of a table are laid on white; in other formats the fourth byte has no meaning.
 void WicPicture::FillTable(DibBuilder& builder) const {
     if (m_pKind->colours == Colours::Grey || IsGreyOfColours()) {
-        builder.SetGreyTable(IsGreyOfColours() ? 8 : std::min<std::uint32_t>(m_pKind->nSourceBits, 8));
+        builder.SetGreyTable(GreyBits());
     }
+    const bool bAlpha = m_file == WicFile::Png || m_file == WicFile::Gif;
     for (std::uint32_t i = 0; i < m_table.size(); ++i) {
         const WICColor colour = m_table[i];
         builder.SetColour(i, static_cast<std::uint8_t>(colour >> 16), static_cast<std::uint8_t>(colour >> 8),
-                          static_cast<std::uint8_t>(colour));
+                          static_cast<std::uint8_t>(colour), static_cast<std::uint8_t>(bAlpha ? colour >> 24 : 255));
     }
 }
 
-// The component has colours for a grey PNG picture with alpha.
+// The component has colours for a grey PNG picture with alpha or a hidden level.
 bool WicPicture::IsGreyOfColours() const {
     return m_file == WicFile::Png && m_head.bGrey && m_pKind->colours == Colours::True;
+}
+
+// Bits of a grey level that count.
+std::uint32_t WicPicture::GreyBits() const {
+    const std::uint32_t nBits = IsGreyOfColours() ? m_head.nFileBits : m_pKind->nSourceBits;
+    return nBits == 1 || nBits == 2 || nBits == 4 ? nBits : 8;
 }
 
 // The component has eight bits for every GIF picture, whose table tells how many it needs.
@@ -281,7 +269,8 @@ std::uint16_t WicPicture::BlockBits() const {
     if (m_file == WicFile::Gif && m_pKind->nSourceBits == 8) {
         return static_cast<std::uint16_t>(m_table.size() > 16 ? 8 : (m_table.size() > 2 ? 4 : 1));
     }
-    return IsGreyOfColours() ? std::uint16_t{8} : m_pKind->nBlockBits;
+    const auto nGreyBits = static_cast<std::uint16_t>(GreyBits() == 2 ? 4 : GreyBits());
+    return IsGreyOfColours() ? nGreyBits : m_pKind->nBlockBits;
 }
 
 void WicPicture::PlaceRow(const std::uint8_t* pSource, std::vector<std::uint8_t>& scratch, DibBuilder& builder,
@@ -289,8 +278,9 @@ void WicPicture::PlaceRow(const std::uint8_t* pSource, std::vector<std::uint8_t>
     if (IsGreyOfColours()) {
         m_pKind->place(pSource, builder.Width(), scratch.data());
         for (std::size_t x = 0; x < builder.Width(); ++x) {
-            builder.Row(y)[x] = scratch[3 * x];
+            scratch[x] = static_cast<std::uint8_t>(scratch[3 * x] >> (8 - GreyBits()));
         }
+        PackIndexRow(scratch.data(), builder.Width(), BlockBits(), builder.Row(y));
     } else if (BlockBits() != m_pKind->nBlockBits) {
         PackIndexRow(pSource, builder.Width(), BlockBits(), builder.Row(y));
     } else {
@@ -338,9 +328,7 @@ LoadedPicture WicPicture::ReadPixels() {
     if (FAILED(m_pSource->GetSize(&nWidth, &nHeight)) || !CanUnpackTo(std::uint64_t{nWidth} * nHeight)) {
         return Damaged();
     }
-    const bool bGrey = m_pKind->colours == Colours::Grey && m_pKind->nSourceBits < 8;
-    const std::uint32_t nEntries =
-        m_table.empty() ? (bGrey ? 1U << m_pKind->nSourceBits : 256U) : static_cast<std::uint32_t>(m_table.size());
+    const std::uint32_t nEntries = m_table.empty() ? 1U << GreyBits() : static_cast<std::uint32_t>(m_table.size());
     DibBuilder builder;
     if (std::string error = builder.Create(nWidth, nHeight, BlockBits(), nEntries); !error.empty()) {
         return Failed(std::move(error));

@@ -10,6 +10,44 @@
 
 namespace width {
 
+inline Bytes BytesOf(const std::string& text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+inline Bytes BigEndian(std::uint32_t nValue) {
+    return BytesOf({static_cast<int>(nValue >> 24), static_cast<int>(nValue >> 16 & 255), static_cast<int>(nValue >> 8 & 255),
+                    static_cast<int>(nValue & 255)});
+}
+
+inline Bytes PngChunk(const std::string& name, const Bytes& content) {
+    const Bytes body = BytesOf(name) + content;
+    std::uint32_t nCrc = 0xffffffff;
+    for (const std::byte b : body) {
+        nCrc ^= std::to_integer<std::uint32_t>(b);
+        for (int i = 0; i < 8; ++i) {
+            nCrc = nCrc >> 1 ^ ((nCrc & 1) != 0 ? 0xedb88320 : 0);
+        }
+    }
+    return BigEndian(static_cast<std::uint32_t>(content.size())) + body + BigEndian(~nCrc);
+}
+
+// chunks  PLTE, tRNS and the like, made by PngChunk
+// rows    with their filter bytes, fewer than 65,536 bytes in all; they are stored without packing
+inline Bytes PngFile(int nWidth, int nHeight, int nDepth, int nColourType, const Bytes& chunks, const Bytes& rows) {
+    std::uint32_t nLow = 1;
+    std::uint32_t nHigh = 0;
+    for (const std::byte b : rows) {
+        nLow = (nLow + std::to_integer<std::uint32_t>(b)) % 65521;
+        nHigh = (nHigh + nLow) % 65521;
+    }
+    const auto nBytes = static_cast<int>(rows.size());
+    const Bytes stored = BytesOf({0x78, 1, 1, nBytes & 255, nBytes >> 8, ~nBytes & 255, ~nBytes >> 8 & 255});
+    return BytesOf({0x89, 'P', 'N', 'G', 13, 10, 26, 10}) +
+           PngChunk("IHDR", BytesOf({0, 0, 0, nWidth, 0, 0, 0, nHeight, nDepth, nColourType, 0, 0, 0})) + chunks +
+           PngChunk("IDAT", stored + rows + BigEndian(nHigh << 16 | nLow)) + PngChunk("IEND", {});
+}
+
 // Values of 16 bits under a TIFF picture's tag.
 struct TiffField {
     int nTag;

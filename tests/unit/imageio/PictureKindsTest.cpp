@@ -1,5 +1,5 @@
-// Kinds of picture files in which the same pixels can stand, on every platform: every header of a bitmap file leads to
-// the same picture, and rows stay where they are stored.
+// Kinds of picture files in which the same pixels can stand, on every platform: what is hidden is laid on white, every
+// header of a bitmap file leads to the same picture, and rows stay where they are stored.
 #include "tests/unit/imageio/Files.h"
 
 namespace width {
@@ -8,6 +8,80 @@ namespace {
 using ::testing::ElementsAre;
 
 using PictureKinds = ImageIo;
+
+std::vector<std::uint8_t> FirstBytes(const Bytes& block, std::size_t n) {
+    const auto row = ViewOf(block).Row(ViewOf(block).Height() - 1);
+    return {row.begin(), row.begin() + static_cast<std::ptrdiff_t>(n)};
+}
+
+// Four entries: hidden, half seen, seen, and one without a value of its own, which is seen.
+const Bytes kTable = PngChunk("PLTE", BytesOf({0, 0, 0, 10, 20, 30, 40, 50, 60, 70, 80, 90}));
+const Bytes kAlphas = PngChunk("tRNS", BytesOf({0, 51, 255}));
+
+TEST_F(PictureKinds, EntriesOfAPngTableAreLaidOnWhiteAndKeepTheirPlaces) {
+    const std::vector<int> expected{255, 255, 255, 206, 208, 210, 40, 50, 60, 70, 80, 90};
+    struct Depth {
+        int nFile, nBlock;
+        Bytes row;
+        std::vector<std::uint8_t> indices;
+    };
+    for (const Depth& depth : {Depth{2, 4, BytesOf({0, 0x1b}), {0x01, 0x23}}, Depth{4, 4, BytesOf({0, 0x01, 0x23}), {0x01, 0x23}},
+                               Depth{8, 8, BytesOf({0, 0, 1, 2, 3}), {0, 1, 2, 3}}}) {
+        SCOPED_TRACE(depth.nFile);
+        const Bytes block = LoadBytes(PngFile(4, 1, depth.nFile, 3, kTable + kAlphas, depth.row)).block;
+        EXPECT_EQ(ViewOf(block).BitCount(), depth.nBlock);
+        EXPECT_EQ(ViewOf(block).Figures().nPalEntries, 4U);
+        EXPECT_EQ(FirstBytes(block, depth.indices.size()), depth.indices);
+        EXPECT_EQ(Pixels(block), expected);
+    }
+    const Bytes two = PngChunk("PLTE", BytesOf({0, 0, 0, 0, 0, 0})) + PngChunk("tRNS", BytesOf({255, 0}));
+    const Bytes bars = LoadBytes(PngFile(8, 1, 1, 3, two, BytesOf({0, 0x5a}))).block;
+    EXPECT_EQ(ViewOf(bars).BitCount(), 1);
+    EXPECT_THAT(Reds(bars), ElementsAre(0, 255, 0, 255, 255, 0, 255, 0)) << "black bars on hidden black";
+}
+
+TEST_F(PictureKinds, AGreyLevelThatAPngFileHidesIsWhite) {
+    const auto levels = [&](int nDepth, int nHidden, int nBlockDepth, const Bytes& row) {
+        const Bytes key = PngChunk("tRNS", BytesOf({nHidden >> 8, nHidden & 255}));
+        const Bytes block = LoadBytes(PngFile(4, 1, nDepth, 0, key, BytesOf({0}) + row)).block;
+        EXPECT_EQ(ViewOf(block).BitCount(), nBlockDepth) << nDepth;
+        return Reds(block);
+    };
+    EXPECT_THAT(levels(1, 0, 1, BytesOf({0x50})), ElementsAre(255, 255, 255, 255));
+    EXPECT_THAT(levels(1, 1, 1, BytesOf({0x50})), ElementsAre(0, 255, 0, 255));
+    EXPECT_THAT(levels(2, 1, 4, BytesOf({0x1b})), ElementsAre(0, 255, 170, 255));
+    EXPECT_THAT(levels(4, 3, 4, BytesOf({0x03, 0x47})), ElementsAre(0, 255, 68, 119));
+    EXPECT_THAT(levels(8, 200, 8, BytesOf({0, 200, 100, 199})), ElementsAre(0, 255, 100, 199));
+    EXPECT_THAT(levels(16, 0x6401, 8, BytesOf({0x64, 0, 0x64, 1, 0x64, 2, 1, 0x64})), ElementsAre(100, 255, 100, 1))
+        << "all sixteen bits count";
+}
+
+TEST_F(PictureKinds, AColourThatAPngFileHidesIsWhite) {
+    const Bytes key = PngChunk("tRNS", BytesOf({0, 1, 0, 2, 0, 3}));
+    const Bytes block = LoadBytes(PngFile(3, 1, 8, 2, key, BytesOf({0, 1, 2, 3, 1, 2, 4, 0, 0, 0}))).block;
+    EXPECT_EQ(ViewOf(block).BitCount(), 24);
+    EXPECT_THAT(Pixels(block), ElementsAre(255, 255, 255, 1, 2, 4, 0, 0, 0));
+    const Bytes deepKey = PngChunk("tRNS", BytesOf({1, 1, 2, 2, 3, 3}));
+    const Bytes deep = LoadBytes(PngFile(2, 1, 16, 2, deepKey, BytesOf({0, 1, 1, 2, 2, 3, 3, 1, 1, 2, 2, 3, 4}))).block;
+    EXPECT_THAT(Pixels(deep), ElementsAre(255, 255, 255, 1, 2, 3)) << "all sixteen bits count";
+}
+
+TEST_F(PictureKinds, TheEntryThatAGifPictureHidesIsWhite) {
+    const auto gif = [&](const Bytes& control) {
+        const Bytes table = BytesOf({0, 0, 0, 10, 20, 30, 40, 50, 60, 70, 80, 90});
+        const Bytes block = LoadBytes(BytesOf("GIF89a") + BytesOf({4, 0, 1, 0, 0x91, 0, 0}) + table + control +
+                                      BytesOf({0x2c, 0, 0, 0, 0, 4, 0, 1, 0, 0, 2, 3, 0x44, 0xa8, 0x15, 0, 0x3b}))
+                                .block;
+        EXPECT_EQ(ViewOf(block).BitCount(), 4);
+        EXPECT_EQ(FirstBytes(block, 2), (std::vector<std::uint8_t>{0x01, 0x23}));
+        return Reds(block);
+    };
+    EXPECT_THAT(gif({}), ElementsAre(0, 10, 40, 70));
+    EXPECT_THAT(gif(BytesOf({0x21, 0xf9, 4, 1, 0, 0, 0, 0})), ElementsAre(255, 10, 40, 70));
+    EXPECT_THAT(gif(BytesOf({0x21, 0xf9, 4, 1, 0, 0, 2, 0})), ElementsAre(0, 10, 255, 70));
+    EXPECT_THAT(gif(BytesOf({0x21, 0xf9, 4, 0, 0, 0, 2, 0})), ElementsAre(0, 10, 40, 70)) << "an entry without its flag";
+    EXPECT_THAT(gif(BytesOf({0x21, 0xf9, 4, 1, 0, 0, 9, 0})), ElementsAre(0, 10, 40, 70)) << "no such entry";
+}
 
 // The header of a bitmap file in another length: shorter ones without what lies behind, longer ones with fields of their
 // own there, which for the kind of 64 bytes are no colours and no masks.
