@@ -12,9 +12,9 @@
 // whatever the length of its header.
 //
 // The Windows source goes as far as the system's imaging component: it reads no TIFF pictures of more
-// than 4 GiB (BigTIFF), saves a resolution only when both axes have one and into JPEG in whole dots per
-// inch, and a GIF picture may come back with a larger table than it was saved with.
-// Tested by: tests/unit/imageio/ImageIoTest.cpp
+// than 4 GiB (BigTIFF), nor those that the component does not know, and says so; it saves a resolution only when both axes have
+// one and into JPEG in whole dots per inch, and a GIF picture may come back with a larger table than it was saved with. Tested
+// by: tests/unit/imageio/ImageIoTest.cpp
 #pragma once
 
 #include <cstddef>

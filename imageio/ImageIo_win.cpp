@@ -58,12 +58,14 @@ bool IsOnDisk(std::FILE* pFile) {
 
 std::optional<WicFile> KindOf(std::string_view head) {
     using namespace std::string_view_literals;
-    static constexpr std::array<std::pair<std::string_view, WicFile>, 7> kSignatures{{
+    static constexpr std::array<std::pair<std::string_view, WicFile>, 9> kSignatures{{
         {"BM"sv, WicFile::Bmp},
         {"\x89PNG\r\n\x1a\n"sv, WicFile::Png},
         {"\xff\xd8\xff"sv, WicFile::Jpeg},
         {"II*\0"sv, WicFile::Tiff},
         {"MM\0*"sv, WicFile::Tiff},
+        {"II+\0"sv, WicFile::Tiff},
+        {"MM\0+"sv, WicFile::Tiff},
         {"GIF87a"sv, WicFile::Gif},
         {"GIF89a"sv, WicFile::Gif},
     }};

@@ -52,10 +52,21 @@ struct TiffField {
     const FileNumbers& file;
     std::uint64_t nEntry;  // where the 12 bytes of the entry begin
 
+    static constexpr std::uint16_t kShort = 3;
+    static constexpr std::uint16_t kLong = 4;
+
     std::uint16_t Type() const noexcept { return file.Short(nEntry + 2); }
-    std::uint16_t Short() const noexcept {
-        constexpr std::uint16_t kShort = 3;
-        return Type() == kShort ? file.Short(nEntry + 8) : std::uint16_t{0};
+    std::uint16_t Short() const noexcept { return Type() == kShort ? file.Short(nEntry + 8) : std::uint16_t{0}; }
+    std::uint32_t Count() const noexcept { return file.Word(nEntry + 4); }
+    std::uint64_t NumberBytes() const noexcept { return Type() == kShort ? 2 : 4; }
+    // A few stand in the entry itself, more elsewhere in the file.
+    std::uint64_t NumbersOffset() const noexcept { return NumberBytes() * Count() <= 4 ? nEntry + 8 : file.Word(nEntry + 8); }
+    bool HasNumbers() const noexcept {
+        return (Type() == kShort || Type() == kLong) && Count() != 0 && file.Has(NumbersOffset(), NumberBytes() * Count());
+    }
+    std::uint32_t Number(std::uint32_t i) const noexcept {
+        const std::uint64_t nOffset = NumbersOffset() + NumberBytes() * i;
+        return Type() == kShort ? file.Short(nOffset) : file.Word(nOffset);
     }
     double Rational() const noexcept {
         constexpr std::uint16_t kRational = 5;
@@ -75,6 +86,37 @@ std::optional<TiffField> FindField(const FileNumbers& file, std::uint16_t nTag) 
         }
     }
     return std::nullopt;
+}
+
+// Whether all strips or tiles lie in the file. Lengths may be missing; each of them then counts as 0.
+bool HasTiffRows(const FileNumbers& file) noexcept {
+    constexpr std::array<std::uint16_t, 2> kOffsets{273, 324};  // of strips, of tiles
+    constexpr std::array<std::uint16_t, 2> kLengths{279, 325};
+    const auto find = [&](const std::array<std::uint16_t, 2>& tags) {
+        const auto field = FindField(file, tags[0]);
+        return field.has_value() ? field : FindField(file, tags[1]);
+    };
+    const auto offsets = find(kOffsets);
+    const auto lengths = find(kLengths);
+    if (!offsets.has_value() || !offsets->HasNumbers()) {
+        return false;
+    }
+    if (lengths.has_value() && (!lengths->HasNumbers() || lengths->Count() < offsets->Count())) {
+        return false;
+    }
+    for (std::uint32_t i = 0; i < offsets->Count(); ++i) {
+        if (!file.Has(offsets->Number(i), lengths.has_value() ? lengths->Number(i) : 0)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool HasCommonTiffPacking(const FileNumbers& file) noexcept {
+    constexpr std::uint16_t kCompression = 259;
+    constexpr std::array<std::uint16_t, 7> kCommon{1, 2, 3, 4, 5, 8, 32773};  // none, facsimile, LZW, deflate, run lengths
+    const auto packing = FindField(file, kCompression);
+    return !packing.has_value() || std::find(kCommon.begin(), kCommon.end(), packing->Short()) != kCommon.end();
 }
 
 // Metres hold so many units, or 0 for a picture whose units are of no known length.
@@ -183,6 +225,9 @@ PictureHead ReadTiffHead(std::span<const std::byte> bytes) noexcept {
     PictureHead head;
     head.nXPelsPerMeter = resolution(kXResolution);
     head.nYPelsPerMeter = resolution(kYResolution);
+    const bool bLargeKind = file.Short(2) == 43;  // with numbers of 64 bits, which nobody here reads
+    head.bWhole = bLargeKind || HasTiffRows(file);
+    head.bCommonPacking = HasCommonTiffPacking(file);
     return head;
 }
 

@@ -15,8 +15,9 @@ namespace width {
 struct PictureHead {
     std::int32_t nXPelsPerMeter = 0;  ///< pixels per metre, rounded; 0: not known
     std::int32_t nYPelsPerMeter = 0;
-    bool bWhole = true;           ///< PNG, JPEG: the picture's end mark is there
+    bool bWhole = true;           ///< PNG, JPEG: the picture's end mark is there; TIFF: so are all of its strips or tiles
     bool bGrey = false;           ///< PNG: grey levels, with or without alpha
+    bool bCommonPacking = true;   ///< TIFF: rows are packed in a way that every reader unpacks
     std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file; PNG: bits per sample
 };
 

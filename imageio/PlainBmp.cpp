@@ -117,7 +117,7 @@ void TakeOldHeader(std::span<const std::byte> bytes, BmpHead& head) {
 void TakeMasks(std::span<const std::byte> bytes, BmpHead& head) {
     constexpr std::array<std::uint32_t, 3> kBytes{0xff0000, 0xff00, 0xff};
     head.masks = ValueAt<std::array<std::uint32_t, 3>>(bytes, kFileHeader + kInfoHeader);
-    const bool bBytes = head.info.biBitCount == 32 && head.masks == kBytes && IsKnownKind(head);
+    const bool bBytes = head.info.biBitCount == 32 && head.masks == kBytes;
     head.info.biCompression = bBytes ? 0 : kBitFields;
 }
 

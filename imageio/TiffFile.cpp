@@ -21,6 +21,8 @@ namespace width {
 
 namespace {
 
+constexpr const char* kOtherKind = "the TIFF picture is of a kind that can't be read here";
+
 // Keeps the first error of the library; warnings are dropped. Nothing is printed.
 class Complaints {
 public:
@@ -81,8 +83,7 @@ struct TiffLayout {
     std::uint16_t nBitsPerSample = 1;
     std::uint16_t nSamples = 1;
     std::uint16_t nPhotometric = 0;
-    bool bContiguous = true;
-    bool bUnsigned = true;
+    bool bPlainSamples = true;  // unsigned, those of a pixel side by side
     bool bTiled = false;
     std::uint32_t nTileWidth = 0;
     std::uint32_t nTileHeight = 0;
@@ -95,14 +96,12 @@ TiffLayout LayoutOf(TIFF* pTiff) {
     layout.nBitsPerSample = FieldOr<std::uint16_t>(pTiff, TIFFTAG_BITSPERSAMPLE, 1);
     layout.nSamples = FieldOr<std::uint16_t>(pTiff, TIFFTAG_SAMPLESPERPIXEL, 1);
     layout.nPhotometric = FieldOr<std::uint16_t>(pTiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MASK);
-    layout.bContiguous =
-        layout.nSamples == 1 || FieldOr<std::uint16_t>(pTiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG;
-    layout.bUnsigned = FieldOr<std::uint16_t>(pTiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) == SAMPLEFORMAT_UINT;
+    const auto nPlanes = FieldOr<std::uint16_t>(pTiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    layout.bPlainSamples = (layout.nSamples == 1 || nPlanes == PLANARCONFIG_CONTIG) &&
+                           FieldOr<std::uint16_t>(pTiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) == SAMPLEFORMAT_UINT;
     layout.bTiled = TIFFIsTiled(pTiff) != 0;
-    if (layout.bTiled) {
-        layout.nTileWidth = FieldOr<std::uint32_t>(pTiff, TIFFTAG_TILEWIDTH, 0);
-        layout.nTileHeight = FieldOr<std::uint32_t>(pTiff, TIFFTAG_TILELENGTH, 0);
-    }
+    layout.nTileWidth = FieldOr<std::uint32_t>(pTiff, TIFFTAG_TILEWIDTH, 0);
+    layout.nTileHeight = FieldOr<std::uint32_t>(pTiff, TIFFTAG_TILELENGTH, 0);
     return layout;
 }
 
@@ -119,7 +118,7 @@ bool KeepsDepth(const TiffLayout& layout) {
     const auto isOneOf = [](std::uint16_t nBits, std::initializer_list<std::uint16_t> depths) {
         return std::find(depths.begin(), depths.end(), nBits) != depths.end();
     };
-    if (!layout.bContiguous || !layout.bUnsigned) {
+    if (!layout.bPlainSamples) {
         return false;
     }
     if (std::uint64_t{layout.nTileWidth} * layout.nBitsPerSample * layout.nSamples % 8 != 0) {
@@ -281,7 +280,7 @@ void PlaceOverWhite(const std::uint32_t* pSource, std::uint32_t nWidth, std::uin
 LoadedPicture ReadConverted(TIFF* pTiff, const TiffLayout& layout, const Complaints& complaints) {
     std::array<char, 1024> reason{};
     if (TIFFRGBAImageOK(pTiff, reason.data()) == 0) {
-        return Failed(WithDetail("this kind of TIFF picture cannot be read", reason.data()));
+        return Failed(WithDetail(kOtherKind, reason.data()));
     }
     const std::uint64_t nPixels = std::uint64_t{layout.nWidth} * layout.nHeight;
     if (nPixels > kMaxBlockBytes / sizeof(std::uint32_t)) {
@@ -292,9 +291,8 @@ LoadedPicture ReadConverted(TIFF* pTiff, const TiffLayout& layout, const Complai
         return Failed(std::move(error));
     }
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(nPixels));
-    const int nStopOnError = 1;
     const int nAsStored = FieldOr<std::uint16_t>(pTiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
-    const int nDone = TIFFReadRGBAImageOriented(pTiff, layout.nWidth, layout.nHeight, raster.data(), nAsStored, nStopOnError);
+    const int nDone = TIFFReadRGBAImageOriented(pTiff, layout.nWidth, layout.nHeight, raster.data(), nAsStored, 1);
     if (nDone == 0 || complaints.Any()) {
         return Damaged(complaints);
     }
@@ -372,6 +370,9 @@ LoadedPicture LoadTiff(std::FILE* pFile) {
     const TiffHandle pTiff = OpenTiff(pFile, "rm", complaints);  // unmapped: the file may shrink meanwhile
     if (pTiff == nullptr) {
         return Damaged(complaints);
+    }
+    if (TIFFIsCODECConfigured(FieldOr<std::uint16_t>(pTiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_NONE)) == 0) {
+        return Failed(kOtherKind);
     }
     const TiffLayout layout = LayoutOf(pTiff.get());
     if (layout.bTiled && !IsTilingReasonable(pTiff.get())) {

@@ -176,6 +176,9 @@ private:
     std::uint16_t BlockBits() const;
     bool IsGreyOfColours() const;
     std::uint32_t GreyBits() const;
+    LoadedPicture OfOtherKind() const {
+        return m_file == WicFile::Tiff ? Failed("the TIFF picture is of a kind that can't be read here") : Damaged();
+    }
     LoadedPicture Damaged() const { return Failed(std::string("the ") + WicFileName(m_file) + " picture is damaged"); }
 
     IWICImagingFactory& m_factory;
@@ -335,15 +338,18 @@ LoadedPicture WicPicture::ReadPixels() {
     }
     FillTable(builder);
     builder.SetResolution(m_head.nXPelsPerMeter, m_head.nYPelsPerMeter);
-    return ReadRows(builder) ? builder.Finish() : Damaged();
+    if (!ReadRows(builder)) {
+        return m_head.bCommonPacking ? Damaged() : OfOtherKind();
+    }
+    return builder.Finish();
 }
 
 LoadedPicture WicPicture::Read(std::span<const std::byte> file) {
     m_nFileBytes = file.size();
-    if (!m_head.bWhole || !OpenSource(file) || !ChooseKind() || !ReadTable()) {
+    if (!m_head.bWhole) {
         return Damaged();
     }
-    return ReadPixels();
+    return OpenSource(file) && ChooseKind() && ReadTable() ? ReadPixels() : OfOtherKind();
 }
 
 }  // namespace

@@ -54,9 +54,8 @@ struct TiffField {
     std::vector<int> values;
 };
 
-// Little-endian, with the rows in one strip behind the file header.
-// fields  what is there beside size and strip
-inline Bytes TiffFile(int nWidth, int nHeight, std::vector<TiffField> fields, const Bytes& rows) {
+// Little-endian, with the rows behind the file header, from byte 8 on.
+inline Bytes TiffOf(std::vector<TiffField> fields, const Bytes& rows) {
     const auto shorts = [](const std::vector<int>& values) {
         Bytes bytes;
         for (const int nValue : values) {
@@ -65,8 +64,6 @@ inline Bytes TiffFile(int nWidth, int nHeight, std::vector<TiffField> fields, co
         }
         return bytes;
     };
-    fields.insert(fields.end(),
-                  {{256, {nWidth}}, {257, {nHeight}}, {273, {8}}, {278, {nHeight}}, {279, {static_cast<int>(rows.size())}}});
     std::ranges::sort(fields, {}, &TiffField::nTag);
     Bytes file = BytesOf({'I', 'I', 42, 0, 0, 0, 0, 0}) + rows + Bytes(rows.size() % 2);
     Bytes directory = shorts({static_cast<int>(fields.size())});
@@ -79,6 +76,13 @@ inline Bytes TiffFile(int nWidth, int nHeight, std::vector<TiffField> fields, co
     }
     Put(file, 4, static_cast<std::uint32_t>(file.size()));
     return file + directory + Bytes(4);
+}
+
+// fields  what is there beside the size and the one strip
+inline Bytes TiffFile(int nWidth, int nHeight, std::vector<TiffField> fields, const Bytes& rows) {
+    fields.insert(fields.end(),
+                  {{256, {nWidth}}, {257, {nHeight}}, {273, {8}}, {278, {nHeight}}, {279, {static_cast<int>(rows.size())}}});
+    return TiffOf(std::move(fields), rows);
 }
 
 }  // namespace width

@@ -1,20 +1,15 @@
 // What a file says beside its pixels: units, byte orders, end marks, and heads that lead nowhere.
 #include "imageio/PictureHead.h"
 
-#include "tests/unit/imageio/Blocks.h"
+#include "tests/unit/imageio/Files.h"
 
 namespace width {
 namespace {
 
 using Head = PictureHead (*)(std::span<const std::byte>) noexcept;
 
-Bytes Text(const std::string& text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
-}
-
 Bytes Jpeg(int nUnit, const Bytes& scan) {
-    const Bytes jfif = Text("JFIF") + BytesOf({0, 1, 1, nUnit, 0, 100, 1, 44, 0, 0});
+    const Bytes jfif = BytesOf("JFIF") + BytesOf({0, 1, 1, nUnit, 0, 100, 1, 44, 0, 0});
     return BytesOf({0xff, 0xd8, 0xff, 0xff, 0xe1, 0, 4, 0xff, 0xd9, 0xff, 0xe0, 0, 16}) + jfif + BytesOf({0xff, 0xda}) + scan;
 }
 
@@ -29,13 +24,10 @@ TEST(PictureHead, JpegDensityHasAUnitAndScansHaveAnEnd) {
 }
 
 TEST(PictureHead, PngChunksTellUnitKindAndEnd) {
-    const auto chunk = [](const std::string& name, const Bytes& content) {
-        return BytesOf({0, 0, 0, static_cast<int>(content.size())}) + Text(name) + content + BytesOf({0, 0, 0, 0});
-    };
     const auto png = [&](int nColourType, int nUnit) {
         return BytesOf({0x89, 'P', 'N', 'G', 13, 10, 26, 10}) +
-               chunk("IHDR", BytesOf({0, 0, 0, 1, 0, 0, 0, 1, 8, nColourType, 0, 0, 0})) +
-               chunk("pHYs", BytesOf({0, 0, 0x2e, 0x23, 0, 0, 0, 7, nUnit})) + chunk("IEND", {});
+               PngChunk("IHDR", BytesOf({0, 0, 0, 1, 0, 0, 0, 1, 8, nColourType, 0, 0, 0})) +
+               PngChunk("pHYs", BytesOf({0, 0, 0x2e, 0x23, 0, 0, 0, 7, nUnit})) + PngChunk("IEND", {});
     };
     EXPECT_EQ(ReadPngHead(png(2, 1)).nXPelsPerMeter, 11811);
     EXPECT_EQ(ReadPngHead(png(2, 1)).nYPelsPerMeter, 7);
@@ -59,6 +51,23 @@ TEST(PictureHead, TiffFieldsOfEitherByteOrder) {
                       BytesOf({0, 0, 0, 72, 0, 0, 0, 1});
     EXPECT_EQ(ReadTiffHead(big).nYPelsPerMeter, 2835);
     EXPECT_EQ(ReadTiffHead(Bytes(big.begin(), big.end() - 3)).nYPelsPerMeter, 0);
+}
+
+// Places and lengths of strips and tiles, in the entry itself or elsewhere in the file.
+TEST(PictureHead, ATiffPictureIsWholeWhereAllItsRowsAre) {
+    const auto file = [](int nPlaces, int nLengths, std::vector<int> places, std::vector<int> lengths) {
+        return TiffOf({{nPlaces, std::move(places)}, {nLengths, std::move(lengths)}}, Bytes(100));
+    };
+    const auto isWhole = [](const Bytes& bytes) { return ReadTiffHead(bytes).bWhole; };
+    EXPECT_TRUE(isWhole(file(273, 279, {8, 50, 90}, {42, 40, 10})));
+    EXPECT_TRUE(isWhole(file(324, 325, {8}, {100})));
+    EXPECT_TRUE(isWhole(file(273, 280, {8}, {1}))) << "lengths are not told";
+    EXPECT_FALSE(isWhole(file(273, 279, {8, 50, 9000}, {42, 40, 10})));
+    EXPECT_FALSE(isWhole(file(324, 325, {8, 50}, {42, 9000})));
+    EXPECT_FALSE(isWhole(file(273, 279, {8, 50, 90}, {42, 40}))) << "a length is missing";
+    EXPECT_FALSE(isWhole(file(280, 279, {8}, {1}))) << "there are no rows";
+    const Bytes whole = file(273, 279, {8, 50, 90}, {42, 40, 10});
+    EXPECT_FALSE(isWhole(Bytes(whole.begin(), whole.begin() + 115))) << "cut";
 }
 
 TEST(PictureHead, ATiffColourTableLiesInItsFile) {

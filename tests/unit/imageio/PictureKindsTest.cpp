@@ -6,6 +6,8 @@ namespace width {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 using PictureKinds = ImageIo;
 
@@ -171,6 +173,21 @@ TEST_F(PictureKinds, BitmapFilesOfKindsThatNobodyUnpacksSaySo) {
     for (const Bytes& header : {Header(8, 1, 2, 0), Header(8, 1, 1, 0, 3), Header(8, 1, 24, 0, 4), Header(8, 1, 8, 0, 9)}) {
         EXPECT_EQ(LoadBytes(BmpFile(WithLength(header, 64), Bytes(1024), Bytes(64))).error,
                   "the BMP picture is of a kind that can't be read here");
+    }
+}
+
+TEST_F(PictureKinds, AWholeTiffPictureThatNobodyUnpacksIsNotCalledDamaged) {
+    const std::string kind = "the TIFF picture is of a kind that can't be read here";
+    const auto packed = [&](int nPacking) {
+        return LoadBytes(TiffFile(4, 1, {{258, {8}}, {259, {nPacking}}, {262, {1}}, {277, {1}}}, BytesOf({1, 2, 3, 4})));
+    };
+    EXPECT_THAT(Reds(packed(1).block), ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(packed(60000).error, StartsWith(kind));
+    EXPECT_THAT(packed(5).error, StartsWith("the TIFF picture is damaged")) << "no sense in its packed bytes";
+    EXPECT_THAT(LoadBytes(BytesOf({'I', 'I', 43, 0, 8, 0, 0, 0, 16, 0, 0, 0, 0, 0, 0, 0})).error, HasSubstr("TIFF"));
+    for (const std::string name : {"planes.tif", "two-bit-grey.tif"}) {
+        const LoadedPicture picture = LoadPicture(Shipped(name));
+        EXPECT_EQ(picture.block.empty(), picture.error == kind) << name << picture.error;
     }
 }
 
