@@ -30,37 +30,4 @@ inline constexpr GreyWindow kDark{0, 127};
 /// one made last is kept; a reference is good until the next call.
 const std::vector<std::byte>& Picture(Scene scene, std::int32_t nSize, std::uint16_t nBitCount);
 
-/// A path and the map that it lies in; the click that traces it is an image point on it.
-struct PathMap {
-    SkeletonMap map;
-    POINT ptClick;
-};
-
-/// A path that runs to and fro in rows three apart, of about nPixels pixels.
-PathMap Serpentine(std::int32_t nPixels);
-
-/// A closed path of about nPixels pixels: the outline of a comb.
-PathMap CombRing(std::int32_t nPixels);
-
-/// A ring: the pixels of a circle, about nPixels of them.
-PathMap CircleRing(std::int32_t nPixels);
-
-// Paths of nPixels on which the search takes half a wave off at either end, again and again.
-
-/// Up 3 and down 3, to the right.
-PathMap LevelWaves(std::int32_t nPixels);
-/// The same, a tenth uphill.
-PathMap SlantingWaves(std::int32_t nPixels);
-/// Six pixels up, six to the right.
-PathMap Stairs(std::int32_t nPixels);
-/// To the right, with teeth that lean back over the gap before them.
-PathMap LeaningTeeth(std::int32_t nPixels);
-/// Five pixels uphill, four downhill: many tops that are equally far from what is trimmed, but for roundings.
-PathMap UnevenWaves(std::int32_t nPixels);
-/// Upright teeth, two pixels wide and each a little higher than the one before, whose tops are equally far from what is trimmed.
-PathMap SlantingComb(std::int32_t nPixels);
-
-/// The pixels of a circle, about nPixels of them, in order: the worst case for the farthest pair.
-std::vector<PathPoint> CirclePath(std::int32_t nPixels);
-
 }  // namespace width::bench
