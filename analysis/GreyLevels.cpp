@@ -98,13 +98,6 @@ Histogram CountGreysThroughTable(const DibView& dib) noexcept {
     return greys;
 }
 
-void GreyLevelsPlainly(const std::uint8_t* pPixels, std::ptrdiff_t nBytes, std::ptrdiff_t nCount,
-                       std::uint8_t* pLevels) noexcept {
-    for (std::ptrdiff_t i = 0; i < nCount; ++i, pPixels += nBytes) {
-        pLevels[i] = ThresholdGrey({pPixels[2], pPixels[1], pPixels[0]});
-    }
-}
-
 // The levels of some pixels at a time, and then their counts.
 Histogram CountGreysOfPixels(const DibView& dib, fast::GreyLevelsFunction greyLevels) noexcept {
     constexpr std::ptrdiff_t kAtATime = 1024;
@@ -123,15 +116,7 @@ Histogram CountGreysOfPixels(const DibView& dib, fast::GreyLevelsFunction greyLe
 }
 
 fast::GreyLevelsFunction GreyLevelsFor(fast::InstructionSet set) noexcept {
-    switch (set) {
-        case fast::InstructionSet::Avx2:
-            return fast::GreyLevelsAvx2;
-        case fast::InstructionSet::Sse2:
-            return fast::GreyLevelsSse2;
-        case fast::InstructionSet::Plain:
-            break;
-    }
-    return GreyLevelsPlainly;
+    return set == fast::InstructionSet::Avx2 ? fast::GreyLevelsAvx2 : fast::GreyLevelsSse2;
 }
 
 // The first level from 1 on at which the running total passes half of the pixels, or the one below.

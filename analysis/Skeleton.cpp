@@ -1,93 +1,291 @@
-// The order of the skeleton's passes, and the ridge and block passes.
-// Tested by: tests/unit/analysis/SkeletonTest.cpp (against a literal version, on all small maps)
+// The order of the passes, and how two threads share them. The passes over a row are in fast/RowPasses.h.
+//
+// A seam divides the rows into two bands. In the first sweep each band's rows are done from the picture's edge to the
+// seam, by the two one-sided passes that come from that edge: half distances, which go into the result's own cells. The
+// seam is where the two meet: a processor that has less time for one of them gives it fewer rows. In the second sweep each
+// band goes back from the seam to the edge; the passes that come over the seam go on from where the other band left them,
+// so that every row gets both halves, and the marks of ridges and plateaus follow a row or two behind. Nothing is done
+// twice, whoever does it: with one thread the seam is the bottom edge, and one of the bands has no rows. Marks are bits; block
+// reduction turns them into the skeleton's bits, and these become cells. Block reduction goes upwards only, so its two turns are
+// what two threads share.
+//
+// Beyond the picture a run touches a byte a pixel for the result, two bits for marks, and a few rows.
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/Skeleton.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <memory>
 #include <new>
+#include <thread>
+#include <utility>
 #include <vector>
 
-#include "analysis/SkeletonPasses.h"
-#include "analysis/fast/FastSkeleton.h"
+#include "analysis/fast/BlockBits.h"
+#include "analysis/fast/Foreground.h"
+#include "analysis/fast/HalfDistance.h"
+#include "analysis/fast/SkeletonRun.h"
+#include "analysis/fast/Strips.h"
+#include "analysis/fast/ThreadPair.h"
 
 namespace width {
 
+namespace fast {
+
 namespace {
 
-constexpr std::ptrdiff_t kBorder = SkeletonMap::kBorder;
+// The marks beside the seam depend on the distances of so many rows on either side of it.
+constexpr std::ptrdiff_t kSeamRowsOfBand = Bands::kFewestRows;
 
-// The four rows of distances that the marks of one row depend on.
-struct RowWindow {
-    const std::uint8_t* pUp;
-    const std::uint8_t* pHere;
-    const std::uint8_t* pDown;
-    const std::uint8_t* pDown2;
+// Rows on one side of the seam, and room for one thread's work on them.
+struct Band {
+    Band(const RowPasses& passes, std::ptrdiff_t nWidth) : strips(8, nWidth), half(passes, nWidth) {}
+
+    std::uint8_t* Mask() noexcept { return strips.At(0); }
+    std::uint8_t* Scratch() noexcept { return strips.At(1); }
+    std::uint8_t* Nothing() noexcept { return strips.At(2); }                             // a row of zeros
+    std::uint8_t* Distance(std::ptrdiff_t s) noexcept { return strips.At(4 + (s & 3)); }  // of the last four rows
+
+    Strips strips;
+    HalfDistance half;
+    std::ptrdiff_t nOuter = 0;    // row at the picture's edge
+    std::ptrdiff_t nInner = 0;    // row at the seam, once the first sweep is done
+    std::ptrdiff_t nOut = 1;      // from the seam to the edge: +1 or -1
+    std::ptrdiff_t nOwnRows = 0;  // at the edge, that are left to nobody else
 };
 
-// Higher than both neighbours on at least one of the four axes.
-inline std::uint8_t IsRidge(const RowWindow& d, std::ptrdiff_t c) noexcept {
-    const std::uint8_t v = d.pHere[c];
-    const auto above = [v](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>(v > std::max(a, b)); };
-    return static_cast<std::uint8_t>(above(d.pHere[c - 1], d.pHere[c + 1]) | above(d.pUp[c], d.pDown[c]) |
-                                     above(d.pUp[c - 1], d.pDown[c + 1]) | above(d.pDown[c - 1], d.pUp[c + 1]));
-}
-
-// Part of a 2 x 2 block of equal, non-zero distances. The border's 0 equals no such distance, so
-// blocks never reach into it.
-inline std::uint8_t IsPlateau(const RowWindow& d, std::ptrdiff_t c) noexcept {
-    const std::uint8_t v = d.pHere[c];
-    const auto same = [v](std::uint8_t a) { return static_cast<std::uint8_t>(a == v); };
-    const int left = same(d.pHere[c - 1]);
-    const int right = same(d.pHere[c + 1]);
-    const int up = same(d.pUp[c]) & ((left & same(d.pUp[c - 1])) | (right & same(d.pUp[c + 1])));
-    const int down = same(d.pDown[c]) & ((left & same(d.pDown[c - 1])) | (right & same(d.pDown[c + 1])));
-    return static_cast<std::uint8_t>((up | down) & static_cast<int>(v != 0));
-}
-
-// First crest cell of four in a line with the distances p, p + 1, p + 1, p. Compared as plain
-// integers: a crest of 0 has no p below it.
-inline std::uint8_t IsFirstOfCrest(std::uint8_t before, std::uint8_t first, std::uint8_t second, std::uint8_t after) noexcept {
-    return static_cast<std::uint8_t>(static_cast<int>(before == after) & static_cast<int>(first == second) &
-                                     static_cast<int>(before + 1 == first));
-}
-
-bool IsAllZero(const std::uint8_t* p, std::ptrdiff_t n) noexcept {
-    std::uint64_t any = 0;
-    std::ptrdiff_t i = 0;
-    for (; i + 8 <= n; i += 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, p + i, sizeof word);
-        any |= word;
+class SkeletonRun {
+public:
+    SkeletonRun(const DibView& dib, GreyWindow window, InstructionSet set, Bands bands)
+        : m_passes(RowPassesFor(set)),
+          m_foreground(dib, window, m_passes),
+          m_map(SkeletonMap::ForOverwriting(dib.Height(), dib.Width())),
+          m_nHeight(dib.Height()),
+          m_nWidth(dib.Width()),
+          m_nWords(WordsFor(dib.Width())),
+          m_words(std::make_unique_for_overwrite<std::uint64_t[]>(static_cast<std::size_t>(2 * m_nWords * m_nHeight))),
+          m_ridges{m_words.get(), m_nWords, m_nHeight},
+          m_plateaus{m_words.get() + m_nWords * m_nHeight, m_nWords, m_nHeight},
+          m_inner(static_cast<std::size_t>(m_nWords)),
+          m_reduction(m_ridges, m_plateaus),
+          m_seamRows(2 * kSeamRowsOfBand, m_nWidth),
+          m_lower(m_passes, m_nWidth),
+          m_upper(m_passes, m_nWidth),
+          m_nRowsToShare(m_nHeight - bands.nLowerRows - bands.nUpperRows),
+          m_threads(bands.nLowerRows > 0) {
+        m_lower.nOut = -1;
+        m_lower.nOwnRows = bands.nLowerRows;
+        m_upper.nOuter = m_nHeight - 1;
+        m_upper.nOwnRows = bands.nUpperRows;
+        for (std::ptrdiff_t x = 1; x + 2 < m_nWidth; ++x) {
+            m_inner[static_cast<std::size_t>(x / kWordColumns)] |= std::uint64_t{1} << (x % kWordColumns);
+        }
     }
-    for (; i < n; ++i) {
-        any |= p[i];
-    }
-    return any == 0;
-}
 
-// Ridges and plateaus of the columns [c0, c1) of one row. Only cells of non-zero distance can be
-// marked, here and by the crest rules.
-void MarkRidgesAndPlateaus(const RowWindow& d, std::uint8_t* pOut, std::ptrdiff_t c0, std::ptrdiff_t c1) noexcept {
-    for (std::ptrdiff_t c = c0; c < c1; ++c) {
-        pOut[c] = static_cast<std::uint8_t>(IsRidge(d, c) | IsPlateau(d, c));
+    SkeletonMap Run() noexcept {
+        Share([this](Band& band) { SweepInwards(band); });
+        m_nSeam = m_upper.nInner;
+        const bool bMayWrap = m_lower.half.MayWrap() || m_upper.half.MayWrap();
+        ExchangeStates(bMayWrap);
+        Share([&](Band& band) { SweepOutwards(band, bMayWrap); });
+        if (m_nSeam > 0) {
+            MarkSeam();
+        }
+        FillBorderRows();
+        ReduceAndFill();
+        return std::move(m_map);
     }
-}
 
-// Crests along the row: both ends of the four cells must be pixels, so the outermost pixel on the
-// left and the two on the right are never a first crest cell.
-void MarkCrestsAlongRow(const std::uint8_t* pHere, std::uint8_t* pOut, std::ptrdiff_t c0, std::ptrdiff_t c1) noexcept {
-    for (std::ptrdiff_t c = c0; c < c1; ++c) {
-        pOut[c] = static_cast<std::uint8_t>(pOut[c] | IsFirstOfCrest(pHere[c - 1], pHere[c], pHere[c + 1], pHere[c + 2]));
+private:
+    // Does the same with both bands at a time, or with the only one that has rows.
+    template <class Work>
+    void Share(Work work) noexcept {
+        if (m_lower.nOwnRows == 0) {
+            return work(m_upper);
+        }
+        m_threads.RunBoth([&] { work(m_lower); }, [&] { work(m_upper); });
     }
-}
 
-void MarkCrestsDownColumn(const RowWindow& d, std::uint8_t* pOut, std::ptrdiff_t c0, std::ptrdiff_t c1) noexcept {
-    for (std::ptrdiff_t c = c0; c < c1; ++c) {
-        pOut[c] = static_cast<std::uint8_t>(pOut[c] | IsFirstOfCrest(d.pUp[c], d.pHere[c], d.pDown[c], d.pDown2[c]));
+    // Cells of a picture's row in the result, without the border's.
+    std::uint8_t* Cells(std::ptrdiff_t s) noexcept {
+        return m_map.Row(static_cast<std::int32_t>(s) + SkeletonMap::kBorder) + SkeletonMap::kBorder;
     }
-}
+
+    // Half distances of a band, up to where the other one is; the foreground stays behind where ridges will be.
+    void SweepInwards(Band& band) noexcept {
+        std::ptrdiff_t s = band.nOuter;
+        for (std::ptrdiff_t nRows = band.nOwnRows; nRows > 0; nRows = TakeRows()) {
+            for (; nRows > 0; --nRows, s -= band.nOut) {
+                const bool bAtOtherEdge = s == m_nHeight - 1 - band.nOuter;  // only where one band does all rows
+                const std::ptrdiff_t nRowsAhead = bAtOtherEdge ? 0 : -band.nOut;
+                m_foreground.Read(s, nRowsAhead, band.Scratch(), band.Mask(), m_ridges.Row(s));
+                band.half.Step(band.Mask(), m_ridges.Row(s), nRowsAhead * m_map.Columns(), Cells(s));
+                band.nInner = s;
+            }
+        }
+    }
+
+    // How many more rows the band that asks may do.
+    std::ptrdiff_t TakeRows() noexcept {
+        constexpr std::ptrdiff_t kRowsAtATime = 16;
+        return std::clamp(m_nRowsToShare.fetch_sub(kRowsAtATime, std::memory_order_relaxed), std::ptrdiff_t{0}, kRowsAtATime);
+    }
+
+    // Each band's second sweep goes on from the other's first. Where nothing wraps, the smaller of two passes is enough.
+    void ExchangeStates(bool bMayWrap) noexcept {
+        if (bMayWrap) {
+            m_lower.half.SwapWith(m_upper.half);
+            return;
+        }
+        m_lower.half.Smaller(m_upper.Distance(m_upper.nInner - 1));
+        m_upper.half.Smaller(m_lower.Distance(m_lower.nInner + 1));
+    }
+
+    void SweepOutwards(Band& band, bool bMayWrap) noexcept {
+        for (std::ptrdiff_t s = band.nInner;; s += band.nOut) {
+            MeasureRow(band, s, bMayWrap);
+            if (m_nSeam > 0 && s >= m_nSeam - kSeamRowsOfBand && s < m_nSeam + kSeamRowsOfBand) {
+                std::memcpy(SeamRow(s), band.Distance(s), static_cast<std::size_t>(m_nWords * kWordColumns));
+            }
+            MarkBehind(band, s);
+            if (s == band.nOuter) {
+                break;
+            }
+        }
+    }
+
+    void MeasureRow(Band& band, std::ptrdiff_t s, bool bMayWrap) noexcept {
+        const std::ptrdiff_t nAhead = s == band.nOuter ? 0 : band.nOut * m_map.Columns();
+        if (bMayWrap) {
+            m_passes.expandBits(m_ridges.Row(s), m_nWords * kWordColumns, 255, band.Mask());
+            band.half.Step(band.Mask(), m_ridges.Row(s), 0, band.Scratch());
+            m_passes.joinHalves(Cells(s), band.Scratch(), m_nWidth, nAhead, band.Distance(s));
+        } else {
+            m_passes.stepDistance(band.Distance(s - band.nOut), Cells(s), m_nWidth, nAhead, band.Distance(s));
+        }
+    }
+
+    // Marks the rows whose neighbours are all known once row s is.
+    void MarkBehind(Band& band, std::ptrdiff_t s) noexcept {
+        const auto distance = [&](std::ptrdiff_t t) { return t < 0 || t >= m_nHeight ? band.Nothing() : band.Distance(t); };
+        if (band.nOut < 0) {
+            if (s + 3 < m_nSeam) {
+                MarkRow(s + 1, distance);
+            }
+            if (s == 0) {
+                MarkRow(0, distance);
+            }
+            return;
+        }
+        const std::ptrdiff_t nFirst = m_nSeam == 0 ? 0 : m_nSeam + 1;
+        const std::ptrdiff_t nLast = s == m_nHeight - 1 ? s : s - 2;
+        for (std::ptrdiff_t t = s - 2; t <= nLast; ++t) {
+            if (t >= nFirst) {
+                MarkRow(t, distance);
+            }
+        }
+    }
+
+    void MarkSeam() noexcept {
+        for (std::ptrdiff_t t = m_nSeam - 2; t <= m_nSeam; ++t) {
+            MarkRow(t, [this](std::ptrdiff_t s) { return SeamRow(s); });
+        }
+    }
+
+    template <class Distance>
+    void MarkRow(std::ptrdiff_t t, Distance distance) noexcept {
+        const DistanceRows rows = {distance(t - 1), distance(t), distance(t + 1), distance(t + 2)};
+        m_passes.markRow(rows, m_nWords, m_inner.data(), t >= 1 && t + 2 < m_nHeight, m_ridges.Row(t), m_plateaus.Row(t));
+    }
+
+    std::uint8_t* SeamRow(std::ptrdiff_t s) noexcept { return m_seamRows.At(s - (m_nSeam - kSeamRowsOfBand)); }
+
+    void FillBorderRows() noexcept {
+        const auto nCells = static_cast<std::size_t>(m_nWidth) + std::size_t{2} * SkeletonMap::kBorder;
+        for (const std::ptrdiff_t s : {std::ptrdiff_t{-2}, std::ptrdiff_t{-1}, m_nHeight, m_nHeight + 1}) {
+            std::memset(Cells(s) - SkeletonMap::kBorder, 0, nCells);
+        }
+    }
+
+    // With two threads, whichever has nothing left to reduce fills the cells of rows that are done.
+    void ReduceAndFill() noexcept {
+        if (m_threads.AreTwo()) {
+            m_threads.RunBoth(
+                [this] {
+                    m_reduction.RunFirst();
+                    FillReducedRows();
+                },
+                [this] {
+                    m_reduction.RunAgain();
+                    FillReducedRows();
+                });
+        } else {
+            m_reduction.Run();
+            FillRows(0, m_nHeight);
+        }
+    }
+
+    void FillReducedRows() noexcept {
+        constexpr std::ptrdiff_t kRowsAtATime = 64;
+        for (;;) {
+            const std::ptrdiff_t nFirst = m_nRowsTaken.fetch_add(kRowsAtATime, std::memory_order_relaxed);
+            if (nFirst >= m_nHeight) {
+                return;
+            }
+            const std::ptrdiff_t nEnd = std::min(nFirst + kRowsAtATime, m_nHeight);
+            m_reduction.WaitForRows(nEnd);
+            FillRows(nFirst, nEnd);
+        }
+    }
+
+    // The cells of rows from their bits, with the border's at both ends.
+    void FillRows(std::ptrdiff_t nFirst, std::ptrdiff_t nEnd) noexcept {
+        for (std::ptrdiff_t s = nFirst; s < nEnd; ++s) {
+            std::uint8_t* pCells = Cells(s);
+            std::memset(pCells - SkeletonMap::kBorder, 0, SkeletonMap::kBorder);
+            m_passes.expandBits(m_ridges.Row(s), m_nWidth, 1, pCells);
+            std::memset(pCells + m_nWidth, 0, SkeletonMap::kBorder);
+        }
+    }
+
+    const RowPasses& m_passes;
+    ForegroundReader m_foreground;
+    SkeletonMap m_map;
+    std::ptrdiff_t m_nHeight;
+    std::ptrdiff_t m_nWidth;
+    std::ptrdiff_t m_nWords;
+    std::ptrdiff_t m_nSeam = 0;  // first row of the upper band, once the first sweep is done
+    std::unique_ptr<std::uint64_t[]> m_words;
+    BitRows m_ridges;
+    BitRows m_plateaus;
+    std::vector<std::uint64_t> m_inner;
+    BlockReduction m_reduction;
+    std::atomic<std::ptrdiff_t> m_nRowsTaken = 0;  // whose cells are filled or being filled
+    Strips m_seamRows;
+    Band m_lower;
+    Band m_upper;
+    std::atomic<std::ptrdiff_t> m_nRowsToShare;  // that neither band has taken yet
+    ThreadPair<> m_threads;                      // ends before what it works on goes
+};
 
 }  // namespace
+
+Bands BandsFor(const DibView& dib, int nThreads) noexcept {
+    const bool bTwo = nThreads > 1 && dib.Height() >= 2 * Bands::kFewestRows;
+    return bTwo ? Bands{Bands::kFewestRows, Bands::kFewestRows} : Bands{0, dib.Height()};
+}
+
+int ThreadsFor(const DibView& dib) noexcept {
+    constexpr std::int64_t kWorthAThread = 1 << 20;  // pixels; making a thread takes about as long as 100,000 of them
+    return std::int64_t{dib.Width()} * dib.Height() >= kWorthAThread && std::thread::hardware_concurrency() > 1 ? 2 : 1;
+}
+
+SkeletonMap MakeSkeleton(const DibView& dib, GreyWindow window, InstructionSet set, Bands bands) {
+    return IsReadableDepth(dib.BitCount()) ? SkeletonRun(dib, window, set, bands).Run() : SkeletonMap(dib.Height(), dib.Width());
+}
+
+}  // namespace fast
 
 double SkeletonGrey(Colour colour) noexcept {
     return (0.299 * colour.red + 0.587 * colour.green) + 0.114 * colour.blue;
@@ -95,42 +293,9 @@ double SkeletonGrey(Colour colour) noexcept {
 
 std::optional<SkeletonMap> MakeSkeleton(const DibView& dib, GreyWindow window) noexcept {
     try {
-        return fast::MakeSkeleton(dib, window, fast::BestInstructionSet(), fast::ThreadsFor(dib));
+        return fast::MakeSkeleton(dib, window, fast::BestInstructionSet(), fast::BandsFor(dib, fast::ThreadsFor(dib)));
     } catch (const std::bad_alloc&) {
         return std::nullopt;
-    }
-}
-
-SkeletonMap MakeSkeletonPlainly(const DibView& dib, GreyWindow window) {
-    SkeletonMap map(dib.Height(), dib.Width());  // the foreground first, then the ridge, in the end the skeleton
-    SkeletonMap distance(dib.Height(), dib.Width());
-    Binarise(dib, window, map);
-    MeasureDistance(map, distance);
-    MarkRidges(distance, map);
-    ReduceBlocks(map);
-    return map;
-}
-
-void MarkRidges(const SkeletonMap& distance, SkeletonMap& ridge) noexcept {
-    constexpr std::ptrdiff_t kStep = 256;  // columns looked at together, so that empty stretches are skipped
-    const std::int32_t nHeight = distance.Height();
-    const std::ptrdiff_t nEnd = distance.Width() + kBorder;
-    for (std::int32_t r = kBorder; r < nHeight + kBorder; ++r) {
-        const RowWindow d{distance.Row(r - 1), distance.Row(r), distance.Row(r + 1), distance.Row(r + 2)};
-        std::uint8_t* pOut = ridge.Row(r);
-        const bool bColumnCrests = r > kBorder && r < nHeight;
-        for (std::ptrdiff_t c0 = kBorder; c0 < nEnd; c0 += kStep) {
-            const std::ptrdiff_t c1 = std::min(c0 + kStep, nEnd);
-            if (IsAllZero(d.pHere + c0, c1 - c0)) {
-                std::memset(pOut + c0, 0, static_cast<std::size_t>(c1 - c0));
-                continue;
-            }
-            MarkRidgesAndPlateaus(d, pOut, c0, c1);
-            MarkCrestsAlongRow(d.pHere, pOut, std::max(c0, kBorder + 1), std::min(c1, nEnd - 2));
-            if (bColumnCrests) {
-                MarkCrestsDownColumn(d, pOut, c0, c1);
-            }
-        }
     }
 }
 

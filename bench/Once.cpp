@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "analysis/fast/FastSkeleton.h"
+#include "analysis/fast/SkeletonRun.h"
 #include "bench/Inputs.h"
 
 namespace width::bench {
@@ -73,7 +73,8 @@ void Run(const Task& task) {
     const std::optional<DibView> dib = DibView::Open(block);
     const bool bPeakKnown = ForgetPeak();
     const double fBefore = StatusKilobytes("VmRSS:");
-    const double fTime = MillisecondsOf([&] { fast::MakeSkeleton(*dib, kDark, fast::BestInstructionSet(), task.nThreads); });
+    const double fTime =
+        MillisecondsOf([&] { fast::MakeSkeleton(*dib, kDark, fast::BestInstructionSet(), fast::BandsFor(*dib, task.nThreads)); });
     const double fPeak = StatusKilobytes("VmHWM:");
     std::unique_ptr<std::byte[]> copy;
     const double fCopy = MillisecondsOf([&] {

@@ -1,5 +1,5 @@
-// What each pass takes of the fast skeleton in one thread. The passes are called row by row in the order of
-// analysis/fast/FastSkeleton.cpp, so that they find their rows in the cache as they do there; a clock is read between them,
+// What each pass takes of the skeleton in one thread. The passes are called row by row in the order of
+// analysis/Skeleton.cpp, so that they find their rows in the cache as they do there; a clock is read between them,
 // and what that costs is taken off again. The counters of a case are the milliseconds of each pass, and of the skeleton as a
 // whole. The results are compared, so that the order here can't fall behind the one there.
 #include <algorithm>
@@ -9,9 +9,9 @@
 #include <memory>
 
 #include "analysis/fast/BlockBits.h"
-#include "analysis/fast/FastSkeleton.h"
 #include "analysis/fast/Foreground.h"
 #include "analysis/fast/HalfDistance.h"
+#include "analysis/fast/SkeletonRun.h"
 #include "analysis/fast/Strips.h"
 #include "bench/Cases.h"
 #include "bench/PictureCases.h"
@@ -202,9 +202,13 @@ private:
     fast::HalfDistance m_beyond;  // of the edge that the second sweep begins at
 };
 
+SkeletonMap Whole(const DibView& dib) {
+    return fast::MakeSkeleton(dib, kDark, fast::BestInstructionSet(), fast::BandsFor(dib, 1));
+}
+
 double WholeMilliseconds(const DibView& dib) {
     const auto begin = std::chrono::steady_clock::now();
-    fast::MakeSkeleton(dib, kDark, fast::BestInstructionSet(), 1);
+    Whole(dib);
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
 }
 
@@ -228,7 +232,7 @@ void AddPasses(Scene scene, std::uint16_t nBitCount) {
     constexpr std::int32_t kSize = 4096;
     AddCase(CaseName("passes", scene, kSize, nBitCount), [=](benchmark::State& state) {
         const std::optional<DibView> dib = DibView::Open(Picture(scene, kSize, nBitCount));
-        if (PassRun(*dib).Run() == fast::MakeSkeleton(*dib, kDark, fast::BestInstructionSet(), 1)) {
+        if (PassRun(*dib).Run() == Whole(*dib)) {
             MeasurePasses(state, *dib);
         } else {
             state.SkipWithError("the passes in this order don't make the skeleton");

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "analysis/GreyLevels.h"
-#include "analysis/fast/FastSkeleton.h"
+#include "analysis/fast/SkeletonRun.h"
 #include "tests/support/LiteralSkeleton.h"
 #include "tests/support/LiteralThreshold.h"
 
@@ -18,15 +18,7 @@ using fast::InstructionSet;
 constexpr std::int32_t kWorthTwoThreads = 1024;  // pixels a side; see fast::ThreadsFor
 
 const char* SetName(InstructionSet set) noexcept {
-    switch (set) {
-        case InstructionSet::Plain:
-            return "plain";
-        case InstructionSet::Sse2:
-            return "sse2";
-        case InstructionSet::Avx2:
-            break;
-    }
-    return "avx2";
+    return set == InstructionSet::Sse2 ? "sse2" : "avx2";
 }
 
 // The rows of the picture into memory of equal size that stays.
@@ -41,8 +33,8 @@ void CopyRows(const DibView& dib) {
 
 // Two skeletons that have nothing to do with each other: what a second thread can give at most on this machine.
 void MakeTwoAtATime(const DibView& dib, InstructionSet set) {
-    std::thread other([&] { fast::MakeSkeleton(dib, kDark, set, 1); });
-    fast::MakeSkeleton(dib, kDark, set, 1);
+    std::thread other([&] { fast::MakeSkeleton(dib, kDark, set, fast::BandsFor(dib, 1)); });
+    fast::MakeSkeleton(dib, kDark, set, fast::BandsFor(dib, 1));
     other.join();
 }
 
@@ -54,13 +46,15 @@ void AddSkeleton(std::vector<PictureCase>& cases, const PictureCase& picture, bo
         return added;
     };
     const InstructionSet best = fast::BestInstructionSet();
-    for (const InstructionSet set : {InstructionSet::Plain, InstructionSet::Sse2, InstructionSet::Avx2}) {
+    for (const InstructionSet set : {InstructionSet::Sse2, InstructionSet::Avx2}) {
         if (set == best || (bAllSets && set < best)) {
-            add(SetName(set), [set](const DibView& dib) { fast::MakeSkeleton(dib, kDark, set, 1); });
+            add(SetName(set), [set](const DibView& dib) { fast::MakeSkeleton(dib, kDark, set, fast::BandsFor(dib, 1)); });
         }
     }
     if (picture.nSize >= kWorthTwoThreads) {
-        add("two threads", [best](const DibView& dib) { fast::MakeSkeleton(dib, kDark, best, 2); }).bTwoThreads = true;
+        add("two threads", [best](const DibView& dib) {
+            fast::MakeSkeleton(dib, kDark, best, fast::BandsFor(dib, 2));
+        }).bTwoThreads = true;
         add("two at a time", [best](const DibView& dib) { MakeTwoAtATime(dib, best); }).bTwoThreads = true;
     }
     add("literal", [](const DibView& dib) { test::LiteralSkeleton(dib, kDark); }).bLiteral = true;

@@ -7,7 +7,7 @@
 //   a block could begin, the first, third, fifth ... become blocks. What a block clears in the next row is seen there.
 // - A cell that is given back lies at most one column right of its block; the tests of a later block of the row look
 //   further right in the rows where that could be. So all tests of a row can be made before any cell is given back.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/fast/BlockBits.h"
 
 #include <algorithm>

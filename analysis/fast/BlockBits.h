@@ -1,5 +1,5 @@
 // Block reduction on rows of bits.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <array>

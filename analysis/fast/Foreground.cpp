@@ -1,6 +1,6 @@
 // True colour is compared in scaled integers, and in doubles where these can't tell. Indices are compared where those inside
 // follow each other, as with every grey table in order, and looked up where not.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/fast/Foreground.h"
 
 #include <algorithm>
@@ -12,6 +12,11 @@ namespace {
 
 constexpr std::uint8_t kMaskInside = 255;
 constexpr std::ptrdiff_t kCacheLine = 64;
+
+bool IsInside(Colour colour, GreyWindow window) noexcept {
+    const double grey = SkeletonGrey(colour);
+    return static_cast<double>(window.nMinGrey) <= grey && grey <= static_cast<double>(window.nMaxGrey);
+}
 
 // The bits of each byte of a word in opposite order.
 std::uint64_t ReverseBitsInBytes(std::uint64_t word) noexcept {
@@ -36,7 +41,8 @@ ForegroundReader::ForegroundReader(const DibView& dib, GreyWindow window, const 
         m_scaled = Scaled(window);
         return;
     }
-    m_inside = InsideByIndex(dib, window);
+    std::ranges::transform(dib.Palette(), m_inside.begin(),
+                           [&](Colour colour) -> std::uint8_t { return IsInside(colour, window) ? 1 : 0; });
     const auto end = m_inside.begin() + (std::ptrdiff_t{1} << dib.BitCount());
     const auto first = std::find(m_inside.begin(), end, 1);
     const auto behind = std::find(first, end, 0);

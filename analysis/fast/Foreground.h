@@ -1,11 +1,11 @@
 // Which pixels of a row lie in the grey window.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <array>
 #include <cstdint>
 
-#include "analysis/SkeletonPasses.h"
+#include "analysis/Skeleton.h"
 #include "analysis/fast/RowPasses.h"
 
 namespace width::fast {
@@ -33,8 +33,8 @@ private:
     const RowPasses& m_passes;
     GreyWindow m_window;
     ScaledWindow m_scaled;
-    InsideTable m_inside{};  // by index
-    bool m_bRange = false;   // whether the indices inside are one range, or none
+    std::array<std::uint8_t, 256> m_inside{};  // 1 for each index whose colour lies in the window
+    bool m_bRange = false;                     // whether the indices inside are one range, or none
     IndexRange m_range;
 };
 

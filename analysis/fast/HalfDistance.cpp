@@ -8,7 +8,7 @@
 // foreground, 256 cells along the row and down the column. A pair that comes to meet it has, 128 rows inside, 128 cells
 // to go to its slope and 129 to its tip or base; if fewer than 129 of its rows lie on that pair's side, the triangle is
 // still 128 cells wide on the other side, where the pass itself or its mirror shows as much.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/fast/HalfDistance.h"
 
 #include <bit>

@@ -1,5 +1,5 @@
 // Two of the four one-sided distance passes: those that go over the rows in one direction.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,8 @@
 // Asks the processor, once.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/fast/InstructionSet.h"
+
+#include "analysis/fast/RowPasses.h"
 
 namespace width::fast {
 
@@ -8,10 +10,7 @@ namespace {
 
 InstructionSet Ask() noexcept {
     __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2") != 0) {
-        return InstructionSet::Avx2;
-    }
-    return __builtin_cpu_supports("sse2") != 0 ? InstructionSet::Sse2 : InstructionSet::Plain;
+    return __builtin_cpu_supports("avx2") != 0 ? InstructionSet::Avx2 : InstructionSet::Sse2;
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
-// The passes over one row that the fast skeleton is made of, for one instruction set. All rows but those of the picture
+// The passes over one row that the skeleton is made of, for one instruction set. All rows but those of the picture
 // itself are strips: Columns() bytes, a whole number of 64, with kStripMargin bytes on either side that can be read and
 // written; columns beyond the picture's width, and the margins, are 0. Words of bits hold 64 columns, the first in bit 0.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+
+#include "analysis/fast/InstructionSet.h"
 
 namespace width::fast {
 
@@ -116,5 +118,12 @@ struct RowPasses {
     void (*markRow)(const DistanceRows& rows, std::ptrdiff_t nWords, const std::uint64_t* pInner, bool bColumnCrests,
                     std::uint64_t* pRidge, std::uint64_t* pPlateau) noexcept;
 };
+
+/// The row passes of a set that this processor has.
+const RowPasses& RowPassesFor(InstructionSet set) noexcept;
+
+// Of one set each; for RowPassesFor.
+const RowPasses* Sse2RowPasses() noexcept;
+const RowPasses* Avx2RowPasses() noexcept;
 
 }  // namespace width::fast

@@ -1,5 +1,5 @@
 // The row passes as templates over the instruction set. Included once by the source of each set.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include "analysis/fast/RowPasses.h"

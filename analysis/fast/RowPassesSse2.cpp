@@ -1,8 +1,7 @@
 // The row passes for every 64-bit processor of this kind.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #include "analysis/fast/GreyRows.h"
 #include "analysis/fast/GreyRowsOf.h"
-#include "analysis/fast/InstructionSet.h"
 #include "analysis/fast/RowPassesOf.h"
 
 namespace width::fast {

@@ -1,5 +1,5 @@
 // Two pieces of work at a time, again and again.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <atomic>

@@ -5,7 +5,7 @@
 // Symbols must not be shared between sources that are compiled for different processors: the linker keeps one of several
 // equal ones, whichever it was compiled for. So everything is a member of one of these structs or a template over it,
 // and nothing of the standard library with code of its own is used behind this header.
-// Tested by: tests/unit/analysis/FastSkeletonTest.cpp
+// Tested by: tests/unit/analysis/SkeletonRunTest.cpp
 #pragma once
 
 #include <immintrin.h>

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "analysis/SkeletonPasses.h"
 #include "tests/support/LiteralSkeleton.h"
 #include "tests/support/Pictures.h"
 
@@ -59,13 +58,10 @@ TEST(Skeleton, SquaresBecomeTheirDiagonals) {
     }
 }
 
+// A picture of one row keeps every pixel that is inside.
 TEST(Skeleton, WindowLimitsAreInclusiveAndComparedAsDoubles) {
     const auto isInside = [](Colour colour, GreyWindow window) {
-        DibBuilder builder(1, 1, 24);
-        SkeletonMap mask(1, 1);
-        const std::vector<std::byte> block = builder.SetPixel(0, 0, colour).Block();
-        Binarise(*DibView::Open(block), window, mask);
-        return mask.At({2, 2}) == 1;
+        return SkeletonOf(DibBuilder(1, 1, 24).SetPixel(0, 0, colour).Block(), window).At({2, 2}) == 1;
     };
     EXPECT_FALSE(isInside({128, 128, 128}, {0, 127}));
     EXPECT_FALSE(isInside({128, 128, 128}, {128, 255}));
@@ -89,13 +85,11 @@ TEST(Skeleton, AllColoursFallOnTheRightSideOfALimit) {
             for (std::int32_t x = 0; x < 4096; ++x) {
                 builder.SetPixel(x, 0, colour(static_cast<std::uint32_t>(x)));
             }
-            SkeletonMap mask(1, 4096);
-            const std::vector<std::byte> block = builder.Block();
-            Binarise(*DibView::Open(block), window, mask);
+            const SkeletonMap map = SkeletonOf(builder.Block(), window);
             for (std::int32_t x = 0; x < 4096; ++x) {
                 const double grey = SkeletonGrey(colour(static_cast<std::uint32_t>(x)));
                 const bool bInside = window.nMinGrey <= grey && grey <= window.nMaxGrey;
-                ASSERT_EQ(mask.At({2, x + 2}) == 1, bInside) << nRed << ' ' << nBlock << ' ' << x;
+                ASSERT_EQ(map.At({2, x + 2}) == 1, bInside) << nRed << ' ' << nBlock << ' ' << x;
             }
         }
     }
@@ -115,17 +109,14 @@ TEST(Skeleton, AnUnreadableDepthGivesAnEmptyMap) {
 }
 
 TEST(Skeleton, ASquareDeeperThanAByteHasZeroesInside) {
-    const std::vector<std::byte> block =
-        DibBuilder(536, 536, 8)
-            .GreyTable()
-            .Fill([](std::int32_t x, std::int32_t s) { return x >= 3 && x < 533 && s >= 3 && s < 533 ? 0U : 255U; })
-            .Block();
-    const DibView dib = *DibView::Open(block);
-    SkeletonMap mask(536, 536);
-    SkeletonMap distance(536, 536);
-    Binarise(dib, kDark, mask);
-    MeasureDistance(mask, distance);
-    const SkeletonMap map = *MakeSkeleton(dib, kDark);
+    const auto isInside = [](std::int32_t x, std::int32_t s) { return x >= 3 && x < 533 && s >= 3 && s < 533; };
+    const SkeletonMap map =
+        SkeletonOf(DibBuilder(536, 536, 8).GreyTable().Fill([&](auto x, auto s) { return isInside(x, s) ? 0U : 255U; }).Block());
+    SkeletonMap foreground(536, 536);
+    for (std::int32_t s = 3; s < 533; ++s) {
+        std::fill_n(foreground.Row(s + 2) + 5, 530, std::uint8_t{1});
+    }
+    const SkeletonMap distance = test::LiteralDistance(foreground);
     int nZeroes = 0;
     for (std::int32_t r = 5; r < 535; ++r) {
         for (std::int32_t c = 5; c < 535; ++c) {
@@ -134,7 +125,6 @@ TEST(Skeleton, ASquareDeeperThanAByteHasZeroesInside) {
         }
     }
     EXPECT_EQ(nZeroes, 1180);
-    EXPECT_EQ(distance, test::LiteralDistance(mask));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Every way of making the skeleton against the literal one: the plain passes, each instruction set, one thread and two.
-#include "analysis/fast/FastSkeleton.h"
+// Every way of making the skeleton against the literal one: each instruction set, one thread and two.
+#include "analysis/fast/SkeletonRun.h"
 
 #include <gtest/gtest.h>
 
@@ -22,39 +22,44 @@ using test::DibBuilder;
 constexpr GreyWindow kDark{0, 127};
 
 std::vector<InstructionSet> Sets() {
-    std::vector<InstructionSet> sets = {InstructionSet::Plain, InstructionSet::Sse2};
+    std::vector<InstructionSet> sets = {InstructionSet::Sse2};
     if (fast::BestInstructionSet() == InstructionSet::Avx2) {
         sets.push_back(InstructionSet::Avx2);
     }
     return sets;
 }
 
-// The result is compared and the picture must be as it was. Two threads share the rows as they get there, and in halves, and
-// with as few rows in one band as can be, and in a way of each picture's own.
+// One thread, two that share the rows as they get there, and two with a seam in the middle, with as few rows on one side of it
+// as can be, and in a place of each picture's own.
+std::vector<fast::Bands> WaysToShare(const DibView& dib, int nMostThreads) {
+    constexpr std::int32_t kFewest = fast::Bands::kFewestRows;
+    std::vector<fast::Bands> ways = {fast::BandsFor(dib, 1)};
+    if (nMostThreads > 1 && dib.Height() >= 2 * kFewest) {
+        ways.push_back(fast::BandsFor(dib, 2));
+        std::vector<std::int32_t> seams = {dib.Height() / 2,
+                                           kFewest + (7 * dib.Width() + dib.Height()) % (dib.Height() - 2 * kFewest + 1)};
+        if (dib.Height() < 100) {
+            seams.insert(seams.end(), {kFewest, dib.Height() - kFewest});
+        }
+        for (const std::int32_t nSeam : seams) {
+            ways.push_back({nSeam, dib.Height() - nSeam});
+        }
+    }
+    return ways;
+}
+
+// The result is compared and the picture must be as it was.
 void ExpectLiteral(const std::vector<std::byte>& block, int nMostThreads, GreyWindow window = kDark) {
     static const std::vector<InstructionSet> s_sets = Sets();
     const std::vector<std::byte> before = block;
     const DibView dib = *DibView::Open(block);
     const SkeletonMap literal = test::LiteralSkeleton(dib, window);
-    const auto expectSame = [&](const SkeletonMap& map, InstructionSet set, const std::string& sharing) {
-        ASSERT_EQ(map == literal, true) << dib.Width() << " x " << dib.Height() << " bits " << dib.BitCount() << " set "
-                                        << static_cast<int>(set) << ' ' << sharing
-                                        << (dib.Width() < 70 ? test::Drawing(map) + test::Drawing(literal) : "");
-    };
-    std::vector<std::int32_t> bands;
-    if (nMostThreads > 1 && dib.Height() >= 2 * fast::kFewestBandRows) {
-        const std::int32_t nSeams = dib.Height() - 2 * fast::kFewestBandRows + 1;
-        bands = {dib.Height() / 2, fast::kFewestBandRows + (7 * dib.Width() + dib.Height()) % nSeams};
-        if (dib.Height() < 100) {
-            bands.insert(bands.end(), {fast::kFewestBandRows, dib.Height() - fast::kFewestBandRows});
-        }
-    }
     for (const InstructionSet set : s_sets) {
-        for (int nThreads = 1; nThreads <= (set == InstructionSet::Plain ? 1 : nMostThreads); ++nThreads) {
-            expectSame(fast::MakeSkeleton(dib, window, set, nThreads), set, "threads " + std::to_string(nThreads));
-        }
-        for (const std::int32_t nLowerRows : set == InstructionSet::Plain ? std::vector<std::int32_t>() : bands) {
-            expectSame(fast::MakeSkeletonInBands(dib, window, set, nLowerRows), set, "seam " + std::to_string(nLowerRows));
+        for (const fast::Bands bands : WaysToShare(dib, nMostThreads)) {
+            const SkeletonMap map = fast::MakeSkeleton(dib, window, set, bands);
+            ASSERT_EQ(map == literal, true) << dib.Width() << " x " << dib.Height() << " bits " << dib.BitCount() << " set "
+                                            << static_cast<int>(set) << " bands " << bands.nLowerRows << ' ' << bands.nUpperRows
+                                            << (dib.Width() < 70 ? test::Drawing(map) + test::Drawing(literal) : "");
         }
     }
     ASSERT_EQ(block, before);
@@ -71,7 +76,7 @@ std::uint16_t AnyDepth(std::mt19937& random) {
 }
 
 // Every picture of 4 x 4 and smaller, and 1 x n strips: all rules meet the picture's edge here.
-TEST(FastSkeleton, AllSmallMaps) {
+TEST(SkeletonRun, AllSmallMaps) {
     struct Size {
         std::int32_t w, h;
     };
@@ -89,7 +94,7 @@ TEST(FastSkeleton, AllSmallMaps) {
     }
 }
 
-TEST(FastSkeleton, RandomPicturesOfEveryDepth) {
+TEST(SkeletonRun, RandomPicturesOfEveryDepth) {
     std::mt19937 random(7);
     for (int i = 0; i < 2000; ++i) {
         const auto w = 1 + test::Below(random, i % 8 == 0 ? 150 : 40);
@@ -100,7 +105,7 @@ TEST(FastSkeleton, RandomPicturesOfEveryDepth) {
     }
 }
 
-TEST(FastSkeleton, EveryWidthRoundTheVectorsAndEveryHeightRoundTheSeam) {
+TEST(SkeletonRun, EveryWidthRoundTheVectorsAndEveryHeightRoundTheSeam) {
     std::mt19937 random(9);
     for (std::int32_t w = 1; w <= 200; w += w % 16 >= 2 && w % 16 < 14 ? 4 : 1) {
         for (const std::uint16_t nBits : std::array<std::uint16_t, 5>{1, 4, 8, 24, 32}) {
@@ -115,7 +120,7 @@ TEST(FastSkeleton, EveryWidthRoundTheVectorsAndEveryHeightRoundTheSeam) {
 }
 
 // Indices inside the window that do not follow each other, and a table that is shorter than the depth allows.
-TEST(FastSkeleton, ColourTablesInAnyOrder) {
+TEST(SkeletonRun, ColourTablesInAnyOrder) {
     std::mt19937 random(10);
     for (int i = 0; i < 60; ++i) {
         const std::uint16_t nBits = std::array<std::uint16_t, 3>{1, 4, 8}[static_cast<std::size_t>(i) % 3];
@@ -133,7 +138,7 @@ TEST(FastSkeleton, ColourTablesInAnyOrder) {
 
 // Where a one-sided distance reaches 256 it wraps: squares, the triangles that one pass alone sees as deep, and diamonds,
 // of the sizes at which that begins and of twice that. The seam of two threads lies at different heights in them.
-TEST(FastSkeleton, ShapesAboutAsDeepAsAByteCanCount) {
+TEST(SkeletonRun, ShapesAboutAsDeepAsAByteCanCount) {
     for (const std::int32_t n : {254, 255, 256, 257, 258, 530}) {
         const std::int32_t m = n / 2;
         for (int nShape = 0; nShape < 6; ++nShape) {
@@ -153,7 +158,7 @@ TEST(FastSkeleton, ShapesAboutAsDeepAsAByteCanCount) {
     }
 }
 
-TEST(FastSkeleton, RandomPicturesThatWrap) {
+TEST(SkeletonRun, RandomPicturesThatWrap) {
     std::mt19937 random(8);
     for (const std::int32_t n : {509, 511, 512, 513, 600}) {
         ExpectLiteral(test::RandomDib(random, n, n + 3, AnyDepth(random), test::Texture::DeepBlocks), 2);
@@ -169,10 +174,11 @@ TEST(FastSkeleton, RandomPicturesThatWrap) {
     }
 }
 
-TEST(FastSkeleton, AnUnreadableDepthGivesAnEmptyMap) {
+TEST(SkeletonRun, AnUnreadableDepthGivesAnEmptyMap) {
     const std::vector<std::byte> block = DibBuilder(19, 19, 16).Block();
+    const DibView dib = *DibView::Open(block);
     for (const InstructionSet set : Sets()) {
-        EXPECT_EQ(fast::MakeSkeleton(*DibView::Open(block), kDark, set, 2), SkeletonMap(19, 19));
+        EXPECT_EQ(fast::MakeSkeleton(dib, kDark, set, fast::BandsFor(dib, 2)), SkeletonMap(19, 19));
     }
 }
 
