@@ -129,33 +129,6 @@ TEST(TracePath, ALoopThroughAJunctionHasItAtBothEnds) {
     EXPECT_LT(path.front().nIndex, 0);
 }
 
-// Every picture of 5 x 5 and a little more: no walk hangs, none repeats three cells in a row, and
-// every step is one of the eight directions (or the repeated first pixel backwards).
-TEST(TracePath, EveryWalkEndsOnEverySmallCluster) {
-    std::mt19937 random(3);
-    std::size_t nLongest = 0;
-    for (int i = 0; i < 60000; ++i) {
-        SkeletonMap map(11, 11);
-        const std::int32_t nDensity = 2 + test::Below(random, 3);
-        for (std::int32_t n = 0; n < 49; ++n) {
-            map.Set({4 + n / 7, 4 + n % 7}, test::Below(random, nDensity) == 0 ? 0 : 1);
-        }
-        const std::vector<PathPoint> path = TracedAt(map, test::Below(random, 11), test::Below(random, 11));
-        nLongest = std::max(nLongest, path.size());
-        std::set<std::array<std::int32_t, 6>> states;
-        for (std::size_t k = 2; k < path.size(); ++k) {
-            ASSERT_LE(std::abs(path[k].x - path[k - 1].x), 1);
-            ASSERT_LE(std::abs(path[k].y - path[k - 1].y), 1);
-            if (path[k - 2].nIndex >= 0) {
-                ASSERT_TRUE(
-                    states.insert({path[k].x, path[k].y, path[k - 1].x, path[k - 1].y, path[k - 2].x, path[k - 2].y}).second)
-                    << test::Drawing(map);
-            }
-        }
-    }
-    EXPECT_GT(nLongest, 10U);
-}
-
 using Chain = std::vector<std::pair<std::int32_t, std::int32_t>>;
 
 std::vector<PathPoint> PathOf(const Chain& chain, std::int32_t nFirstIndex = 0) {

@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
+
 #include "analysis/LineDetector.h"
+#include "tests/support/LiteralTrace.h"
+#include "tests/support/Pictures.h"
 
 namespace width {
 namespace {
@@ -64,6 +69,49 @@ TEST(FitLeastSquares, SumsAreSinglePrecisionInListOrder) {
 
 TEST(FitLeastSquares, OnePixelTwiceDoesNotFail) {
     EXPECT_EQ(FitOf({{0, 5, 5}, {1, 5, 5}}).axis, FitAxis::XOnY);
+}
+
+bool IsSameFloat(float a, float b) {
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+void ExpectLiteralFit(const Chain& chain) {
+    std::vector<test::LiteralPixel> pixels;
+    for (const PathPoint& pt : chain) {
+        pixels.push_back({pt.nIndex, pt.x, pt.y});
+    }
+    const test::LiteralFit literal = test::FitLiterally(pixels);
+    const Fitted fit = FitOf(chain);
+    const auto isSame = [](const PathPoint& pt, const test::LiteralPixel& pixel) {
+        return pt == PathPoint{pixel.nIndex, pixel.x, pixel.y};
+    };
+    ASSERT_TRUE(static_cast<std::int32_t>(fit.axis) == literal.nAxis && IsSameFloat(fit.slope, literal.a) &&
+                IsSameFloat(fit.intercept, literal.b) && isSame(fit.first, literal.first) && isSame(fit.last, literal.last))
+        << "from " << chain.front().x << ',' << chain.front().y << " to " << chain.back().x << ',' << chain.back().y << ", slope "
+        << fit.slope << " and " << literal.a << ", ends at " << fit.first.x << ',' << fit.first.y << ' ' << fit.last.x << ','
+        << fit.last.y;
+}
+
+// Lines in every direction, straight and ragged, at every distance from the origin: near it sums are exact, far from it they
+// round, and from 46,341 on products wrap.
+TEST(FitLeastSquares, EqualsTheLiteralFitInEveryDirection) {
+    std::mt19937 random(23);
+    for (std::int32_t nDirection = 0; nDirection < 61 * 61; ++nDirection) {
+        const std::int32_t dx = nDirection % 61 - 30;
+        const std::int32_t dy = nDirection / 61 - 30;
+        const std::int32_t nSteps = std::max({std::abs(dx), std::abs(dy), 1});
+        for (const std::int32_t nReach : {1, 300, 20'000, 200'000}) {
+            const std::int32_t nRagged = test::Below(random, 3);
+            const std::int32_t x = test::Below(random, nReach), y = test::Below(random, nReach);
+            Chain chain;
+            for (std::int32_t i = 0; i <= nSteps; ++i) {
+                const auto stray = [&] { return test::Below(random, 2 * nRagged + 1) - nRagged; };
+                chain.push_back({i - nSteps / 2, x + dx * i / nSteps + stray(), y + dy * i / nSteps + stray()});
+            }
+            ExpectLiteralFit(chain);
+            ASSERT_FALSE(testing::Test::HasFatalFailure());
+        }
+    }
 }
 
 TEST(IsChainStraight, TwoPixelsOffTheChordStillPass) {

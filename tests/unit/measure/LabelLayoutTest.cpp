@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/LiteralMeasure.h"
+
 namespace width {
 namespace {
 
@@ -18,6 +20,28 @@ TEST(ArrowHead, StandsAtTheTip) {
     ASSERT_TRUE(shorter);
     EXPECT_LT(shorter->ptCorner1.x, 0) << "a short arrow keeps its head, which reaches beyond the tail";
     EXPECT_FALSE(LayOutArrowHead({7, 7}, {7, 7}));
+}
+
+TEST(LabelLayout, EqualsTheLiteralOneInEveryDirection) {
+    for (std::int32_t n = 0; n < 121 * 121; ++n) {
+        const POINT pt1{70, 90}, pt2{n % 121, n / 121 + 30};
+        if (const auto head = LayOutArrowHead(pt1, pt2)) {
+            const auto literal = test::ArrowHeadLiterally(pt1, pt2);
+            ExpectPoint(head->ptCorner1, literal[0].x, literal[0].y);
+            ExpectPoint(head->ptCorner2, literal[1].x, literal[1].y);
+        }
+        for (const std::int32_t nTextHeight : {13, 14, 15, 40}) {
+            for (const std::int32_t nSide : {0, 1}) {
+                const TextPlace place = PlaceText(pt1, pt2, nSide, nTextHeight);
+                const test::LiteralText literal = test::PlaceTextLiterally(pt1, pt2, nSide != 0, nTextHeight);
+                ExpectPoint(place.ptAnchor, literal.anchor.x, literal.anchor.y);
+                ASSERT_EQ(place.dAngle, literal.angle);
+                const POINT start = test::TextStartLiterally(literal, n % 97, nTextHeight);
+                ExpectPoint(TextStart(place, n % 97, nTextHeight), start.x, start.y);
+            }
+        }
+        ASSERT_FALSE(testing::Test::HasFailure()) << pt2.x << ',' << pt2.y;
+    }
 }
 
 struct Placing {

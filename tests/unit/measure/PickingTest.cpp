@@ -4,6 +4,9 @@
 
 #include <string>
 
+#include "tests/support/LiteralMeasure.h"
+#include "tests/support/Pictures.h"
+
 namespace width {
 namespace {
 
@@ -102,6 +105,38 @@ TEST(Picking, TheWindowReachesTenLeftAndBelowNineRightAndAbove) {
     }
     EXPECT_FALSE(finds(INT32_MAX, 89));
     EXPECT_FALSE(finds(50, INT32_MIN));
+}
+
+// Ends of one line only, so that none is refused: what is marked are the ends in the window, in their order, until a pair is
+// complete. Clicks on the picture, beside it, and far beside it.
+TEST(Picking, EndsArePickedInTheOrderOfTheLiteralScan) {
+    std::mt19937 random(61);
+    int nMarks = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        const std::int32_t w = 1 + test::Below(random, 60);
+        const std::int32_t h = 1 + test::Below(random, 60);
+        SkeletonMap map(h, w);
+        for (std::int32_t n = test::Below(random, 30); n > 0; --n) {
+            map.Set({2 + test::Below(random, h), 2 + test::Below(random, w)},
+                    static_cast<std::uint8_t>(n % 4 == 0 ? 255 : n % 2));
+        }
+        const POINT ptClick{test::Below(random, w + 30) - 15, test::Below(random, h + 30) - 15};
+        const std::vector<test::LiteralEnd> ends = test::EndsNear(map, ptClick.x, ptClick.y);
+        LinePairPicker picker;
+        LabelList labels;
+        std::size_t nMarked = 0;
+        for (const PickEvent& event : picker.Click(ptClick, &map, UnitGeometry(w, h), labels)) {
+            if (event.kind == PickEventKind::Mark) {
+                ASSERT_LT(nMarked, ends.size());
+                ASSERT_EQ(event.ptClient.x, ends[nMarked].ptBlock.x) << i;
+                ASSERT_EQ(event.ptClient.y, h - 1 - ends[nMarked].ptBlock.y) << i;
+                ++nMarked;
+            }
+        }
+        ASSERT_TRUE(nMarked == ends.size() || picker.m_bLabelPending != 0) << i;
+        nMarks += static_cast<int>(nMarked);
+    }
+    EXPECT_GT(nMarks, 3000);
 }
 
 TEST(Picking, WrongLinesAreRefusedOneStepBack) {

@@ -4,6 +4,10 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
+
+#include "tests/support/LiteralMeasure.h"
+#include "tests/support/Pictures.h"
 
 namespace width {
 namespace {
@@ -62,6 +66,40 @@ TEST(ComputeFeet, ALineWithoutDirectionTakesTheOthers) {
     ExpectFeet(ComputeFeet({5, 5}, Ends({1, 1, 1, 1, 2, 7, 2, 7})), {1, 1}, {2, 7});
 }
 
+// Two lines, each in any of many directions: all of a few pixels, and long ones just off the axes, where the cases change.
+TEST(ComputeFeet, EqualsTheLiteralMeasureOnEveryPairOfDirections) {
+    std::vector<POINT> directions;
+    for (std::int32_t n = 0; n < 21 * 21; ++n) {
+        directions.push_back({n % 21 - 10, n / 21 - 10});
+    }
+    for (const std::int32_t nLong : {-2000, -1400, -999, -501, -102, 102, 499, 707, 1000, 3000}) {
+        for (std::int32_t nShort = -16; nShort <= 16; ++nShort) {
+            directions.push_back({nLong, nShort});
+            directions.push_back({nShort, nLong});
+        }
+    }
+    std::mt19937 random(51);
+    int nGeneral = 0;
+    for (const POINT& d1 : directions) {
+        for (const POINT& d2 : directions) {
+            const auto any = [&] { return POINT{test::Below(random, 900) - 200, test::Below(random, 900) - 200}; };
+            const POINT p1 = any(), p2 = any(), pt = any();
+            const PickedEnds ends{p1, {p1.x + d1.x, p1.y + d1.y}, p2, {p2.x + d2.x, p2.y + d2.y}};
+            const Feet feet = ComputeFeet(pt, ends);
+            const test::LiteralFeet literal = test::FeetLiterally(pt, ends);
+            ASSERT_TRUE(feet.pt1.x == literal.pt1.x && feet.pt1.y == literal.pt1.y && feet.pt2.x == literal.pt2.x &&
+                        feet.pt2.y == literal.pt2.y)
+                << d1.x << ',' << d1.y << " and " << d2.x << ',' << d2.y << ": " << feet.pt1.x << ',' << feet.pt1.y << ' '
+                << feet.pt2.x << ',' << feet.pt2.y;
+            ASSERT_EQ(IsPairParallel(ends) == 1, test::AreParallelLiterally(ends, 5.0F));
+            const float fWidth = PairWidth(ends), fLiteral = test::PairWidthLiterally(ends);
+            ASSERT_TRUE(fWidth == fLiteral || (std::isnan(fWidth) && std::isnan(fLiteral))) << fWidth << ' ' << fLiteral;
+            nGeneral += feet.pt1.x != pt.x && feet.pt1.y != pt.y ? 1 : 0;
+        }
+    }
+    EXPECT_GT(nGeneral, 10'000);
+}
+
 TEST(CommitLabel, StoresImagePointsAndDropsUndoneLabels) {
     LabelList labels;
     const ViewGeometry geometry{200, 200, 0, 0, 400, 400, 1, 2};
@@ -92,6 +130,16 @@ TEST(FormatLabelText, TellsPixelsOrCentimetres) {
     EXPECT_EQ(FormatLabelText(12, {0, 0}, {1, 1}, {}), "12#: 1") << "truncated";
     EXPECT_EQ(FormatLabelText(2, {0, 0}, {30, 40}, {300, 400}), "2#: 14.1421cm") << "each axis has its own resolution";
     EXPECT_EQ(FormatLabelText(3, {5, 5}, {5, 5}, {}), "3#: 0");
+}
+
+TEST(FormatLabelText, EqualsTheLiteralTextInEveryDirection) {
+    for (std::int32_t n = 0; n < 201 * 201; ++n) {
+        const POINT pt1{50, 60}, pt2{n % 201 - 100, n / 201 - 100};
+        for (const Resolution& resolution : {Resolution{}, Resolution{3937, 3937}, Resolution{11811, 2835}}) {
+            ASSERT_EQ(FormatLabelText(n, pt1, pt2, resolution),
+                      test::TextLiterally(n, pt1, pt2, resolution.nXPelsPerMeter, resolution.nYPelsPerMeter));
+        }
+    }
 }
 
 TEST(FormatLabelText, AResolutionOnOneAxisIsNone) {

@@ -2,20 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace width {
 namespace {
 
-TEST(Zoom, StepsGoToTheNeighbourInTheTable) {
+std::string Text(Zoom zoom) {
+    return std::to_string(zoom.nNum) + "/" + std::to_string(zoom.nDen) + " ";
+}
+
+TEST(Zoom, TwentyThreeStepsLeadInAndBackOut) {
+    std::string in, out;
     Zoom zoom{1, 20};
-    for (std::size_t i = 1; i < kZoomTable.size(); ++i) {
-        const auto next = NextZoomIn(zoom);
-        ASSERT_TRUE(next);
-        EXPECT_EQ(*next, kZoomTable[i]);
-        EXPECT_EQ(*NextZoomOut(*next), zoom);
+    for (std::optional<Zoom> next = zoom; next; next = NextZoomIn(zoom)) {
         zoom = *next;
+        in += Text(zoom);
     }
-    EXPECT_FALSE(NextZoomIn({16, 1}));
-    EXPECT_FALSE(NextZoomOut({1, 20}));
+    EXPECT_EQ(in, "1/20 1/8 1/4 1/3 1/2 2/3 3/4 4/5 1/1 3/2 2/1 3/1 4/1 5/1 6/1 7/1 8/1 10/1 12/1 13/1 14/1 15/1 16/1 ");
+    for (std::optional<Zoom> next = zoom; next; next = NextZoomOut(zoom)) {
+        zoom = *next;
+        out.insert(0, Text(zoom));
+    }
+    EXPECT_EQ(out, in);
 }
 
 TEST(Zoom, FractionsBetweenTheStepsCountByTheirValue) {
