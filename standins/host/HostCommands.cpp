@@ -42,9 +42,9 @@ private:
 bool HostWindow::IsEnabled(int nId) const noexcept {
     switch (nId) {
         case IDM_SAVE:
-            return !m_block.empty();
+            return !Picture().empty();
         case IDM_MEASURE:
-            return !m_block.empty() && !IsJobRunning();
+            return !Picture().empty() && !IsJobRunning();
         case IDM_ENGLISH:
         case IDM_CHINESE:
             return !IsJobRunning();
@@ -55,7 +55,7 @@ bool HostWindow::IsEnabled(int nId) const noexcept {
 
 // A flat dispatch: one line a command.
 void HostWindow::OnCommand(int nId) {
-    if (!IsEnabled(nId) || IsWindowEnabled(m_hWnd) == FALSE) {
+    if (!IsEnabled(nId) || IsBusy()) {
         return;
     }
     switch (nId) {
@@ -81,16 +81,21 @@ void HostWindow::OnCommand(int nId) {
     }
 }
 
-// A result that is in no file is not dropped without a question.
+// A result that is in no file is not dropped without a question, nor one that arrives while that is asked.
 bool HostWindow::MayDiscardResult() {
-    if (!m_bUnsaved) {
-        return true;
+    Block pAsked;
+    while (m_bUnsaved && m_pBlock != pAsked) {
+        pAsked = m_pBlock;
+        const int nAnswer = Say(L"Save the result of the plug-in?", MB_YESNOCANCEL | MB_ICONQUESTION);
+        if (nAnswer == IDCANCEL || (nAnswer == IDYES && !SaveAs())) {
+            return false;
+        }
     }
-    const int nAnswer = Say(L"Save the result of the plug-in?", MB_YESNOCANCEL | MB_ICONQUESTION);
-    return nAnswer == IDNO || (nAnswer == IDYES && SaveAs());
+    return true;
 }
 
 void HostWindow::OpenPicture(const std::wstring& path) {
+    const Work work(*this);
     if (!MayDiscardResult()) {
         return;
     }
@@ -103,7 +108,7 @@ void HostWindow::OpenPicture(const std::wstring& path) {
         Say(path + L"\ncannot be opened: " + Widen(picture.error) + L".", MB_OK | MB_ICONERROR);
         return;
     }
-    SetPicture(std::move(picture.block), FileTitle(path), false);
+    SetPicture(std::make_shared<std::vector<std::byte>>(std::move(picture.block)), FileTitle(path), false);
 }
 
 void HostWindow::Open() {
@@ -112,7 +117,9 @@ void HostWindow::Open() {
     }
 }
 
+// Saves what was shown when the dialog opened; the plug-in may send another picture meanwhile.
 bool HostWindow::SaveAs() {
+    const Block pBlock = m_pBlock;
     const std::wstring path = AskSaveName(m_hWnd, ResultName(m_name));
     if (path.empty()) {
         return false;
@@ -120,16 +127,18 @@ bool HostWindow::SaveAs() {
     std::string error;
     {
         const WaitCursor wait;
-        error = SavePicture(path, m_block);
+        error = SavePicture(path, *pBlock);
     }
     if (!error.empty()) {
         Say(path + L"\ncannot be saved: " + Widen(error) + L".", MB_OK | MB_ICONERROR);
         return false;
     }
-    m_name = FileTitle(path);
-    m_bUnsaved = false;
-    UpdateTitle();
-    UpdateStatus();
+    if (m_pBlock == pBlock) {
+        m_name = FileTitle(path);
+        m_bUnsaved = false;
+        UpdateTitle();
+        UpdateStatus();
+    }
     return true;
 }
 
@@ -146,11 +155,13 @@ bool HostWindow::LoadPlugin() {
 }
 
 void HostWindow::Measure() {
+    const Work work(*this);
     if (!IsEnabled(IDM_MEASURE) || !LoadPlugin()) {
         return;
     }
     m_pJob = std::make_unique<Job>(m_hWnd);
-    if (!m_plugin.Start(m_block, *m_pJob)) {
+    m_jobName = m_name;
+    if (!m_plugin.Start(Picture(), *m_pJob)) {
         m_pJob.reset();
         Say(L"There is not enough memory to hand the picture to the plug-in.", MB_OK | MB_ICONERROR);
     }

@@ -8,6 +8,8 @@
 #include <array>
 #include <bit>
 #include <new>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "standins/host/PictureTexts.h"
@@ -32,6 +34,16 @@ bool RegisterWindowClass(WNDPROC pfnProc) {
     windowClass.lpszMenuName = MAKEINTRESOURCEW(IDR_HOST);
     windowClass.lpszClassName = kClassName;
     return RegisterClassExW(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+}
+
+// A dialog closes as by its Cancel button; a question without one is left to the user.
+BOOL CALLBACK PostCloseToDialog(HWND hWnd, LPARAM) {
+    std::array<wchar_t, 8> name{};
+    if (GetClassNameW(hWnd, name.data(), static_cast<int>(name.size())) > 0 && name.data() == std::wstring_view(L"#32770") &&
+        IsWindowEnabled(hWnd) != FALSE) {
+        PostMessageW(hWnd, WM_CLOSE, 0, 0);
+    }
+    return TRUE;
 }
 
 std::wstring LanguageName(WORD nLangId) {
@@ -96,12 +108,12 @@ int HostWindow::Say(const std::wstring& text, UINT nFlags) const {
 }
 
 void HostWindow::UpdateTitle() const {
-    const std::wstring title = m_block.empty() ? kProgramName : (m_bUnsaved ? L"*" : L"") + m_name + L" - " + kProgramName;
+    const std::wstring title = Picture().empty() ? kProgramName : (m_bUnsaved ? L"*" : L"") + m_name + L" - " + kProgramName;
     SetWindowTextW(m_hWnd, title.c_str());
 }
 
 void HostWindow::UpdateStatus() const {
-    const PictureTexts texts = DescribePicture(m_block);
+    const PictureTexts texts = DescribePicture(Picture());
     std::wstring state = L"Ready";
     if (IsJobRunning()) {
         state = L"Plug-in is open (" + LanguageName(m_nLangId) + L")";
@@ -114,11 +126,11 @@ void HostWindow::UpdateStatus() const {
     }
 }
 
-void HostWindow::SetPicture(std::vector<std::byte> block, const std::wstring& name, bool bUnsaved) {
-    m_block = std::move(block);
+void HostWindow::SetPicture(Block pBlock, const std::wstring& name, bool bUnsaved) {
+    m_pBlock = std::move(pBlock);
     m_name = name;
     m_bUnsaved = bUnsaved;
-    const bool bShown = m_view.Show(m_block);
+    const bool bShown = m_view.Show(Picture());
     UpdateTitle();
     UpdateStatus();
     if (!bShown) {
@@ -132,7 +144,7 @@ void HostWindow::OnPictureReceived(std::unique_ptr<ReceivedPicture> pPicture) {
         Say(L"The plug-in sent a picture that cannot be used.", MB_OK | MB_ICONERROR);
         return;
     }
-    SetPicture(std::move(*pPicture), m_name, true);
+    SetPicture(std::make_shared<ReceivedPicture>(std::move(*pPicture)), m_jobName, true);
     FLASHWINFO flash{sizeof flash, m_hWnd, FLASHW_TRAY | FLASHW_TIMERNOFG, 3, 0};
     FlashWindowEx(&flash);
 }
@@ -154,8 +166,33 @@ void HostWindow::OnInitMenu(HMENU hMenu) const {
     CheckMenuRadioItem(hMenu, IDM_ENGLISH, IDM_CHINESE, m_nLangId == kChinese ? IDM_CHINESE : IDM_ENGLISH, MF_BYCOMMAND);
 }
 
+// A dialog's own code runs on behind its loop and works with the dialog, which would go with its owner. So the window
+// stays until everything that has shown a dialog is over, and dialogs are closed first.
+void HostWindow::OnWorkDone() {
+    if (--m_nWorks == 0) {
+        m_bClosing = false;
+        if (std::exchange(m_bCloseWanted, false)) {
+            PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
+        }
+    }
+}
+
+// A file dialog whose own question has been answered waits for the user again, and tells its owner so.
+void HostWindow::OnEnterIdle(HWND hDialog) const {
+    if (m_bCloseWanted && GetDlgItem(hDialog, IDCANCEL) != nullptr) {
+        PostMessageW(hDialog, WM_COMMAND, IDCANCEL, 0);
+    }
+}
+
 // Ending the program ends the plug-in's window with everything in it, so that is asked first.
 void HostWindow::OnClose() {
+    if (IsBusy() && !m_bClosing) {
+        m_bCloseWanted = true;
+        EnumThreadWindows(GetCurrentThreadId(), PostCloseToDialog, 0);
+    }
+    if (IsBusy() || std::exchange(m_bClosing, true)) {
+        return;
+    }
     const std::wstring question =
         L"The plug-in's window is still open. What has not been saved or sent back there is lost.\n\nClose the program all the "
         L"same?";
@@ -167,13 +204,14 @@ void HostWindow::OnClose() {
     }
 }
 
+// Of several files the first one counts.
 void HostWindow::OnDropFiles(HDROP hDrop) {
-    std::array<wchar_t, 4096> path{};
-    const UINT nLength = DragQueryFileW(hDrop, 0, path.data(), static_cast<UINT>(path.size()));
-    DragFinish(hDrop);
-    if (nLength != 0 && IsWindowEnabled(m_hWnd) != FALSE) {
+    const std::unique_ptr<std::remove_pointer_t<HDROP>, decltype(&DragFinish)> pDrop(hDrop, DragFinish);
+    std::wstring path(DragQueryFileW(hDrop, 0, nullptr, 0), L'\0');
+    DragQueryFileW(hDrop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
+    if (!path.empty() && !IsBusy()) {
         SetForegroundWindow(m_hWnd);
-        OpenPicture(path.data());
+        OpenPicture(path);
     }
 }
 
@@ -206,6 +244,9 @@ LRESULT HostWindow::OnMessage(UINT nMessage, WPARAM wParam, LPARAM lParam) {
         case WM_CLOSE:
             OnClose();
             return 0;
+        case WM_ENTERIDLE:
+            OnEnterIdle(std::bit_cast<HWND>(lParam));
+            return 0;
         case WM_DESTROY:
             PostQuitMessage(0);
             return 0;
@@ -225,6 +266,7 @@ LRESULT CALLBACK HostWindow::WindowProc(HWND hWnd, UINT nMessage, WPARAM wParam,
         return DefWindowProcW(hWnd, nMessage, wParam, lParam);
     }
     LRESULT nResult = 0;
+    const Work work(*pWindow);
     try {
         nResult = pWindow->OnMessage(nMessage, wParam, lParam);
     } catch (const std::exception&) {

@@ -39,16 +39,35 @@ public:
     void Measure();
 
     /// The picture that is shown, a packed bitmap; empty: none.
-    std::span<const std::byte> Picture() const noexcept { return m_block; }
+    std::span<const std::byte> Picture() const noexcept { return *m_pBlock; }
     bool IsJobRunning() const noexcept { return m_pJob != nullptr; }
     const PictureView& View() const noexcept { return m_view; }
 
 private:
+    using Block = std::shared_ptr<const std::vector<std::byte>>;
+
+    // Lives as long as something is being done here. That may have shown a dialog, whose loop dispatches what comes
+    // meanwhile: nothing else is begun then, and the window stays until it is over.
+    class Work {
+    public:
+        explicit Work(HostWindow& window) : m_window(window) { ++m_window.m_nWorks; }
+        ~Work() { m_window.OnWorkDone(); }
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+
+    private:
+        HostWindow& m_window;
+    };
+    // Whether something is being done beside the caller, which has a Work of its own.
+    bool IsBusy() const noexcept { return m_nWorks > 1; }
+    void OnWorkDone();
+
     static LRESULT CALLBACK WindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
     LRESULT OnMessage(UINT nMessage, WPARAM wParam, LPARAM lParam);
     bool OnCreate();
     void OnSize();
     void OnClose();
+    void OnEnterIdle(HWND hDialog) const;
     void OnDropFiles(HDROP hDrop);
     void OnInitMenu(HMENU hMenu) const;
     void OnCommand(int nId);
@@ -61,7 +80,7 @@ private:
     void SetLanguage(WORD nLangId);
     bool LoadPlugin();
     bool MayDiscardResult();
-    void SetPicture(std::vector<std::byte> block, const std::wstring& name, bool bUnsaved);
+    void SetPicture(Block pBlock, const std::wstring& name, bool bUnsaved);
     bool IsEnabled(int nId) const noexcept;
     void UpdateTitle() const;
     void UpdateStatus() const;
@@ -73,10 +92,14 @@ private:
     WORD m_nLangId;
     std::wstring m_pluginPath;
     Plugin m_plugin;
-    std::unique_ptr<Job> m_pJob;     // while a job runs
-    std::vector<std::byte> m_block;  // the picture, empty: none
-    std::wstring m_name;             // of the picture's file, without folders
-    bool m_bUnsaved = false;         // the picture came from the plug-in and is in no file
+    std::unique_ptr<Job> m_pJob;                                  // while a job runs
+    std::wstring m_jobName;                                       // of the picture that the job was given
+    Block m_pBlock = std::make_shared<std::vector<std::byte>>();  // the picture, empty: none
+    std::wstring m_name;                                          // of the picture's file, without folders
+    bool m_bUnsaved = false;                                      // the picture came from the plug-in and is in no file
+    int m_nWorks = 0;                                             // being done, one within the other
+    bool m_bClosing = false;                                      // the user is being asked about it
+    bool m_bCloseWanted = false;                                  // as soon as nothing is being done
 };
 
 }  // namespace width::host
