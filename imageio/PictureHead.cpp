@@ -162,7 +162,6 @@ PictureHead ReadPngHead(std::span<const std::byte> bytes) noexcept {
     const std::uint8_t nColourType = file.Byte(kFirstChunk + 17);
     PictureHead head;
     head.bGrey = (nColourType & 2U) == 0 && nColourType != 3;
-    head.nFileBits = file.Byte(kFirstChunk + 16);
     head.bWhole = false;
     for (std::uint64_t nChunk = kFirstChunk; file.Has(nChunk, 12); nChunk += std::uint64_t{12} + file.Word(nChunk)) {
         const bool bPerMeter = file.Word(nChunk) == 9 && file.Byte(nChunk + 16) == 1;

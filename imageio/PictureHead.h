@@ -18,7 +18,7 @@ struct PictureHead {
     bool bWhole = true;           ///< PNG, JPEG: the picture's end mark is there; TIFF: so are all of its strips or tiles
     bool bGrey = false;           ///< PNG: grey levels, with or without alpha
     bool bCommonPacking = true;   ///< TIFF: rows are packed in a way that every reader unpacks
-    std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file; PNG: bits per sample
+    std::uint16_t nFileBits = 0;  ///< BMP: bits per pixel in the file
 };
 
 PictureHead ReadPngHead(std::span<const std::byte> file) noexcept;

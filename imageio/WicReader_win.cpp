@@ -263,8 +263,7 @@ bool WicPicture::IsGreyOfColours() const {
 
 // Bits of a grey level that count.
 std::uint32_t WicPicture::GreyBits() const {
-    const std::uint32_t nBits = IsGreyOfColours() ? m_head.nFileBits : m_pKind->nSourceBits;
-    return nBits == 1 || nBits == 2 || nBits == 4 ? nBits : 8;
+    return IsGreyOfColours() ? 8 : std::min<std::uint32_t>(m_pKind->nSourceBits, 8);
 }
 
 // The component has eight bits for every GIF picture, whose table tells how many it needs.
@@ -272,8 +271,7 @@ std::uint16_t WicPicture::BlockBits() const {
     if (m_file == WicFile::Gif && m_pKind->nSourceBits == 8) {
         return static_cast<std::uint16_t>(m_table.size() > 16 ? 8 : (m_table.size() > 2 ? 4 : 1));
     }
-    const auto nGreyBits = static_cast<std::uint16_t>(GreyBits() == 2 ? 4 : GreyBits());
-    return IsGreyOfColours() ? nGreyBits : m_pKind->nBlockBits;
+    return IsGreyOfColours() ? std::uint16_t{8} : m_pKind->nBlockBits;
 }
 
 void WicPicture::PlaceRow(const std::uint8_t* pSource, std::vector<std::uint8_t>& scratch, DibBuilder& builder,
@@ -281,9 +279,8 @@ void WicPicture::PlaceRow(const std::uint8_t* pSource, std::vector<std::uint8_t>
     if (IsGreyOfColours()) {
         m_pKind->place(pSource, builder.Width(), scratch.data());
         for (std::size_t x = 0; x < builder.Width(); ++x) {
-            scratch[x] = static_cast<std::uint8_t>(scratch[3 * x] >> (8 - GreyBits()));
+            builder.Row(y)[x] = scratch[3 * x];
         }
-        PackIndexRow(scratch.data(), builder.Width(), BlockBits(), builder.Row(y));
     } else if (BlockBits() != m_pKind->nBlockBits) {
         PackIndexRow(pSource, builder.Width(), BlockBits(), builder.Row(y));
     } else {
