@@ -7,6 +7,7 @@ bool CControlBar::CreateControl(CWnd* pParentWnd, LPCWSTR lpszClassName, DWORD d
     const INITCOMMONCONTROLSEX init{sizeof init, ICC_BAR_CLASSES};
     ::InitCommonControlsEx(&init);
     m_dwStyle = dwStyle & 0xFFFF;
+    m_nDpi = DpiOf(pParentWnd->m_hWnd);
     const DWORD dwWindow = (dwStyle & 0xFFFF0000) | dwCtrlStyle | CCS_NOPARENTALIGN | CCS_NORESIZE | CCS_NODIVIDER;
     return Create(lpszClassName, nullptr, dwWindow, RECT{}, pParentWnd, nID);
 }
@@ -32,7 +33,7 @@ LRESULT CControlBar::OnSizeParent(WPARAM, LPARAM lParam) {
         return 0;
     }
     RECT& rcFree = *reinterpret_cast<RECT*>(lParam);
-    const LONG nHeight = CalcFixedHeight();
+    const LONG nHeight = LayOutItems(rcFree.right - rcFree.left);
     const bool bTop = (m_dwStyle & CBRS_ALIGN_TOP) != 0;
     const LONG nTop = bTop ? rcFree.top : rcFree.bottom - nHeight;
     (bTop ? rcFree.top : rcFree.bottom) += bTop ? nHeight : -nHeight;

@@ -2,6 +2,7 @@
 // Tested by: tests/win/ClasslibTest.cpp.
 #pragma once
 
+#include "classlib/Dpi.h"
 #include "classlib/Wnd.h"
 
 constexpr UINT AFX_IDW_PANE_FIRST = 0xE900;   ///< child that fills what the bars leave: 59648
@@ -25,8 +26,11 @@ class CControlBar : public CWnd {
 public:
     DWORD m_dwStyle = 0;  ///< CBRS_ style; the edge among it
 
-    /// Height of the strip in pixels; 0 without a window.
-    virtual int CalcFixedHeight() const = 0;
+    /// Arranges the items in a strip cx pixels wide, in several rows where it is narrow. Returns the height of the strip in
+    /// pixels; 0 without a window.
+    virtual int LayOutItems(int cx) = 0;
+    /// The frame has come to a place of another resolution. A layout follows.
+    virtual void OnDpiChanged(int nDpi) { m_nDpi = nDpi; }
     /// Brings the state of the bar's items up to date.
     virtual void OnUpdateCmdUI(CCmdTarget& target, bool bDisableIfNoHandler) = 0;
 
@@ -35,6 +39,9 @@ protected:
     /// half) and CBRS_ style (lower half), dwCtrlStyle the control's own.
     bool CreateControl(CWnd* pParentWnd, LPCWSTR lpszClassName, DWORD dwCtrlStyle, DWORD dwStyle, UINT nID);
     bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lResult) override;
+    int Scaled(int nLength) const { return ScaleToDpi(nLength, m_nDpi); }
+
+    int m_nDpi = kDefaultDpi;  // that the bar is drawn for
 
 private:
     void OnIdleUpdateCmdUI();

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "classlib/FitTexts.h"
 #include "classlib/NumberText.h"
 
 namespace {
@@ -163,6 +164,7 @@ void CDialog::OnCommand(UINT nID, UINT nCode) {
 INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
+            FitTexts(m_hWnd);
             CenterWindow(m_hWnd);
             return OnInitDialog() ? TRUE : FALSE;
         case WM_COMMAND:

@@ -91,6 +91,7 @@ bool CFrameWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& lR
         Msg<WM_SIZE, &CFrameWnd::OnSize>(),
         Msg<WM_SETFOCUS, &CFrameWnd::OnSetFocus>(),
         Msg<WM_ERASEBKGND, &CFrameWnd::OnEraseBkgnd>(),
+        Msg<WM_DPICHANGED, &CFrameWnd::OnDpiChanged>(),
         Msg<WM_INITMENUPOPUP, &CFrameWnd::OnInitMenuPopup>(),
         Msg<WM_SETMESSAGESTRING, &CFrameWnd::OnSetMessageString>(),
     };
@@ -146,6 +147,27 @@ void CFrameWnd::OnSetFocus(HWND) {
 // Bars and pane cover the whole client area: erasing it first would only flicker.
 bool CFrameWnd::OnEraseBkgnd(CDC*) {
     return ::IsWindowVisible(GetDlgItem(AFX_IDW_PANE_FIRST)) != FALSE || Default() != 0;
+}
+
+// The system suggests the rectangle that covers as much of the new monitor as the window did of the old one.
+void CFrameWnd::OnDpiChanged(int nDpi, const RECT& rcSuggested) {
+    for (CControlBar* const pBar : Bars()) {
+        pBar->OnDpiChanged(nDpi);
+    }
+    SetWindowPos(nullptr, rcSuggested.left, rcSuggested.top, rcSuggested.right - rcSuggested.left,
+                 rcSuggested.bottom - rcSuggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    RecalcLayout();
+}
+
+/// The bars among the frame's children, hidden ones too.
+std::vector<CControlBar*> CFrameWnd::Bars() const {
+    std::vector<CControlBar*> bars;
+    for (HWND hWnd = ::GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr; hWnd = ::GetWindow(hWnd, GW_HWNDNEXT)) {
+        if (auto* const pBar = dynamic_cast<CControlBar*>(FromHandle(hWnd))) {
+            bars.push_back(pBar);
+        }
+    }
+    return bars;
 }
 
 void CFrameWnd::OnInitMenuPopup(HMENU hMenu, UINT, bool bSysMenu) {
@@ -230,12 +252,10 @@ void CFrameWnd::OnSetPreviewMode(bool bPreview, CPrintPreviewState* pState) {
 
 // The list comes first: should memory run out, nothing has changed yet.
 void CFrameWnd::PutAside(CPrintPreviewState& state) {
-    for (HWND hWnd = ::GetWindow(m_hWnd, GW_CHILD); hWnd != nullptr; hWnd = ::GetWindow(hWnd, GW_HWNDNEXT)) {
-        auto* const pBar = dynamic_cast<CControlBar*>(FromHandle(hWnd));
-        if (pBar != nullptr && (pBar->GetStyle() & WS_VISIBLE) != 0 && pBar->GetDlgCtrlID() != AFX_IDW_STATUS_BAR) {
-            state.bars.push_back(pBar);
-        }
-    }
+    state.bars = Bars();
+    std::erase_if(state.bars, [](const CControlBar* pBar) {
+        return (pBar->GetStyle() & WS_VISIBLE) == 0 || pBar->GetDlgCtrlID() == AFX_IDW_STATUS_BAR;
+    });
     state.hPane = GetDlgItem(AFX_IDW_PANE_FIRST);
     ::SetWindowLongPtrW(state.hPane, GWLP_ID, AFX_IDW_PANE_SAVE);
     ::ShowWindow(state.hPane, SW_HIDE);

@@ -57,12 +57,14 @@ protected:
     void OnSize(UINT nType, int cx, int cy);
     void OnSetFocus(HWND hOldWnd);
     bool OnEraseBkgnd(CDC* pDC);
+    void OnDpiChanged(int nDpi, const RECT& rcSuggested);
     void OnInitMenuPopup(HMENU hMenu, UINT nIndex, bool bSysMenu);
     /// Shows a text, or the string resource wParam, in the status bar's pane of id 0, if there is one. The result is the id shown
     /// before.
     LRESULT OnSetMessageString(WPARAM wParam, LPARAM lParam);
 
 private:
+    std::vector<CControlBar*> Bars() const;
     void PutAside(CPrintPreviewState& state);
     void BringBack(CPrintPreviewState& state);
 

@@ -44,8 +44,9 @@ bool CBitmap::CreateDIBSection(const BITMAPINFO* pInfo, void** ppBits) {
     return Attach(::CreateDIBSection(nullptr, pInfo, DIB_RGB_COLORS, ppBits, nullptr, 0));
 }
 
-bool CBitmap::LoadSysColorBitmap(HINSTANCE hInstance, UINT nIDResource) {
-    const HANDLE hImage = ::LoadImageW(hInstance, MAKEINTRESOURCEW(nIDResource), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS);
+bool CBitmap::LoadPicture(HINSTANCE hInstance, UINT nIDResource, SIZE size) {
+    const HANDLE hImage =
+        ::LoadImageW(hInstance, MAKEINTRESOURCEW(nIDResource), IMAGE_BITMAP, size.cx, size.cy, LR_CREATEDIBSECTION);
     return Attach(static_cast<HBITMAP>(hImage));
 }
 

@@ -83,8 +83,8 @@ public:
     bool CreateCompatibleBitmap(HDC hdc, int nWidth, int nHeight);
     /// *ppBits receives the pixel memory, which lives as long as the bitmap; null on failure.
     bool CreateDIBSection(const BITMAPINFO* pInfo, void** ppBits);
-    /// A bitmap resource whose greys 128, 192 and 223 are replaced by the user's button colours.
-    bool LoadSysColorBitmap(HINSTANCE hInstance, UINT nIDResource);
+    /// A bitmap resource, stretched to a size in pixels.
+    bool LoadPicture(HINSTANCE hInstance, UINT nIDResource, SIZE size);
 };
 
 class CPalette : public CGdiObject<HPALETTE> {

@@ -257,6 +257,18 @@ struct MsgSignature<WM_KEYDOWN> {
     }
 };
 
+/// void OnDpiChanged(int nDpi, const RECT& rcSuggested): dots per inch of the monitor that the window has come to
+template <>
+struct MsgSignature<WM_DPICHANGED> {
+    template <class C>
+    using Handler = void (C::*)(int, const RECT&);
+    template <class C>
+    static bool Call(C& wnd, Handler<C> pfn, WPARAM wParam, LPARAM lParam, LRESULT&) {
+        (wnd.*pfn)(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+        return true;
+    }
+};
+
 /// LRESULT OnSetMessageString(WPARAM, LPARAM): a string's id, or a text
 template <>
 struct MsgSignature<WM_SETMESSAGESTRING> : MsgSignature<WM_USER> {};

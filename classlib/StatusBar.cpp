@@ -2,12 +2,15 @@
 #include "classlib/StatusBar.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "classlib/Thread.h"
 
 namespace {
 
+// Pixels at 96 dots per inch.
 constexpr int kPaneBorder = 6;  // what a pane is wider than its text
+constexpr int kHeightMore = 7;  // what the bar is higher: the panes' borders and the gap above them
 
 /// One pane's text and look.
 class CStatusCmdUI : public CCmdUI {
@@ -33,7 +36,32 @@ private:
 
 bool CStatusBar::Create(CWnd* pParentWnd, DWORD dwStyle, UINT nID) {
     const bool bGrip = (dwStyle & CBRS_ALIGN_BOTTOM) != 0 && (pParentWnd->GetStyle() & WS_THICKFRAME) != 0;
-    return CreateControl(pParentWnd, STATUSCLASSNAMEW, bGrip ? SBARS_SIZEGRIP : 0, dwStyle, nID);
+    if (!CreateControl(pParentWnd, STATUSCLASSNAMEW, bGrip ? SBARS_SIZEGRIP : 0, dwStyle, nID)) {
+        return false;
+    }
+    MakeFont();
+    return true;
+}
+
+// The system tells its fonts for the resolution of the screen that the session began with.
+void CStatusBar::MakeFont() {
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    if (::SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0) == FALSE) {
+        return;
+    }
+    metrics.lfStatusFont.lfHeight = ::MulDiv(metrics.lfStatusFont.lfHeight, m_nDpi, CClientDC(nullptr).GetDeviceCaps(LOGPIXELSY));
+    CFont font;
+    if (font.CreateFontIndirect(metrics.lfStatusFont)) {
+        SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font.GetSafeHandle()), FALSE);
+        m_font = std::move(font);
+    }
+}
+
+void CStatusBar::OnDpiChanged(int nDpi) {
+    CControlBar::OnDpiChanged(nDpi);
+    MakeFont();
+    LayOutPanes();
 }
 
 bool CStatusBar::SetIndicators(std::span<const UINT> ids) {
@@ -44,7 +72,8 @@ bool CStatusBar::SetIndicators(std::span<const UINT> ids) {
     for (const UINT nID : ids) {
         std::wstring text = nID != 0 ? AfxLoadString(nID) : std::wstring();
         const bool bFirst = m_panes.empty();
-        m_panes.push_back({nID, bFirst ? SBPS_STRETCH | SBPS_NOBORDERS : SBPS_NORMAL, TextWidth(text), std::move(text)});
+        const int cxText = ::MulDiv(TextWidth(text), kDefaultDpi, m_nDpi);
+        m_panes.push_back({nID, bFirst ? SBPS_STRETCH | SBPS_NOBORDERS : SBPS_NORMAL, cxText, std::move(text)});
     }
     LayOutPanes();
     return true;
@@ -94,7 +123,8 @@ void CStatusBar::ShowText(std::size_t nIndex) {
     SendMessage(SB_SETTEXTW, nIndex | nLook, reinterpret_cast<LPARAM>(pText));
 }
 
-// Every pane gets its text's width and a border; what the bar is wider goes to the panes that stretch.
+// Every pane gets its text's width and a border. What the bar is wider goes to the panes that stretch, and what it is narrower
+// comes from them first.
 void CStatusBar::LayOutPanes() {
     if (m_hWnd == nullptr || m_panes.empty()) {
         return;
@@ -107,17 +137,14 @@ void CStatusBar::LayOutPanes() {
     }
     int nStretching = 0;
     for (const Pane& pane : m_panes) {
-        cxSpare -= pane.cxText + kPaneBorder + borders[2];
+        cxSpare -= Scaled(pane.cxText + kPaneBorder) + borders[2];
         nStretching += (pane.nStyle & SBPS_STRETCH) != 0 ? 1 : 0;
     }
-    cxSpare = std::max(cxSpare, 0);
     std::vector<int> edges;
     int nRight = borders[0];
     for (const Pane& pane : m_panes) {
-        nRight += pane.cxText + kPaneBorder;
-        if ((pane.nStyle & SBPS_STRETCH) != 0) {
-            nRight += cxSpare / nStretching;
-        }
+        const int cxMore = (pane.nStyle & SBPS_STRETCH) != 0 ? cxSpare / nStretching : 0;
+        nRight += std::max(Scaled(pane.cxText + kPaneBorder) + cxMore, 0);
         edges.push_back(nRight);
         nRight += borders[2];
     }
@@ -127,7 +154,7 @@ void CStatusBar::LayOutPanes() {
     }
 }
 
-int CStatusBar::CalcFixedHeight() const {
+int CStatusBar::LayOutItems(int /*cx*/) {
     if (m_hWnd == nullptr) {
         return 0;
     }
@@ -135,7 +162,7 @@ int CStatusBar::CalcFixedHeight() const {
     const CSelectGuard font(dc, reinterpret_cast<HFONT>(::SendMessageW(m_hWnd, WM_GETFONT, 0, 0)));
     TEXTMETRICW metrics{};
     ::GetTextMetricsW(dc, &metrics);
-    return static_cast<int>(metrics.tmHeight) + 7;  // a line of text, the panes' borders and the gap above them
+    return static_cast<int>(metrics.tmHeight) + Scaled(kHeightMore);
 }
 
 void CStatusBar::OnUpdateCmdUI(CCmdTarget& target, bool) {

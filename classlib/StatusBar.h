@@ -19,7 +19,7 @@ public:
     /// Replaces the panes by one for each id, its text the string of that id (from AfxGetResourceHandle()), as wide as
     /// that text; a pane of id 0 is empty. The first pane stretches and has no border. False without a window.
     bool SetIndicators(std::span<const UINT> ids);
-    /// Changes a pane; SBPS_ style; cxWidth in pixels, without borders. Does nothing beyond the last pane.
+    /// Changes a pane; SBPS_ style; cxWidth in pixels at 96 dots per inch, without borders. Does nothing beyond the last pane.
     void SetPaneInfo(std::size_t nIndex, UINT nID, UINT nStyle, int cxWidth);
     /// The first pane of an id; the number of panes if there is none.
     std::size_t CommandToIndex(UINT nID) const;
@@ -29,7 +29,8 @@ public:
     UINT GetPaneStyle(std::size_t nIndex) const { return m_panes.at(nIndex).nStyle; }
     std::wstring GetPaneText(std::size_t nIndex) const { return m_panes.at(nIndex).text; }
 
-    int CalcFixedHeight() const override;
+    int LayOutItems(int cx) override;
+    void OnDpiChanged(int nDpi) override;
     void OnUpdateCmdUI(CCmdTarget& target, bool bDisableIfNoHandler) override;
 
 protected:
@@ -39,13 +40,15 @@ private:
     struct Pane {
         UINT nID = 0;
         UINT nStyle = SBPS_NORMAL;
-        int cxText = 0;
+        int cxText = 0;  // at 96 dots per inch
         std::wstring text;
     };
     void OnSize(UINT nType, int cx, int cy);
+    void MakeFont();
     void LayOutPanes();
     void ShowText(std::size_t nIndex);
     int TextWidth(const std::wstring& text) const;
 
     std::vector<Pane> m_panes;
+    CFont m_font;  // the system's for status bars, at the bar's resolution
 };

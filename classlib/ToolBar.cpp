@@ -1,20 +1,22 @@
 // The tool bar over the system's control. Tested by: tests/win/ClasslibTest.cpp.
 #include "classlib/ToolBar.h"
 
-#include <vector>
+#include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "classlib/Thread.h"
 
 namespace {
 
-/// What a tool bar resource holds, and the ids behind it.
-struct ToolBarHead {
-    WORD wVersion;
-    WORD wWidth;
-    WORD wHeight;
-    WORD wItemCount;
-};
-static_assert(sizeof(ToolBarHead) == 8);
+// Pixels at 96 dots per inch: what a button is larger than its picture, the width of a separator, and what the bar is higher than
+// its rows.
+constexpr SIZE kButtonMore{7, 6};
+constexpr int kSeparator = 8;
+constexpr int kHeightMore = 6;
+
+constexpr int kLargeFrom = 144;  // dots per inch from which on the large pictures are shown
+constexpr COLORREF kTransparent = RGB(192, 192, 192);
 
 /// The state of one button. Only a change reaches the control, which repaints the button each time.
 class CToolCmdUI : public CCmdUI {
@@ -49,27 +51,70 @@ std::span<const WORD> FindWords(HINSTANCE hInstance, UINT nIDResource) {
 
 }  // namespace
 
+/// What a tool bar resource holds: version, picture width and height, count, and the ids behind it.
+struct CToolBar::Description {
+    SIZE sizePicture{};
+    std::span<const WORD> ids;
+
+    explicit Description(std::span<const WORD> words)
+        : sizePicture(words.empty() ? SIZE{} : SIZE{words[1], words[2]}),
+          ids(words.subspan(std::min<std::size_t>(words.size(), 4))) {}
+    int PictureCount() const { return static_cast<int>(ids.size() - static_cast<std::size_t>(std::ranges::count(ids, WORD{0}))); }
+};
+
 bool CToolBar::CreateEx(CWnd* pParentWnd, DWORD dwCtrlStyle, DWORD dwStyle, UINT nID) {
     const DWORD dwTips = (dwStyle & CBRS_TOOLTIPS) != 0 ? TBSTYLE_TOOLTIPS : 0;
-    if (!CreateControl(pParentWnd, TOOLBARCLASSNAMEW, dwCtrlStyle | dwTips, dwStyle, nID)) {
+    if (!CreateControl(pParentWnd, TOOLBARCLASSNAMEW, dwCtrlStyle | dwTips | TBSTYLE_WRAPABLE, dwStyle, nID)) {
         return false;
     }
     SendMessage(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
     return true;
 }
 
-bool CToolBar::LoadToolBar(UINT nIDResource) {
-    const HINSTANCE hInstance = AfxGetResourceHandle();
-    const std::span<const WORD> words = FindWords(hInstance, nIDResource);
-    CBitmap images;
-    if (m_hWnd == nullptr || words.empty() || !images.LoadSysColorBitmap(hInstance, nIDResource)) {
+bool CToolBar::LoadToolBar(UINT nIDResource, UINT nIDLarge) {
+    const auto before = std::tuple(m_hInstance, m_nIDResource, m_nIDLarge);
+    std::tie(m_hInstance, m_nIDResource, m_nIDLarge) = std::tuple(AfxGetResourceHandle(), nIDResource, nIDLarge);
+    const bool bFilled = m_hWnd != nullptr && Fill();
+    if (!bFilled) {
+        std::tie(m_hInstance, m_nIDResource, m_nIDLarge) = before;
+    }
+    return bFilled;
+}
+
+/// The pictures nearest to the bar's resolution. Where that is higher still, each of their pixels becomes a square.
+CToolBar::Images CToolBar::LoadPictures(const Description& description, SIZE& sizePicture) const {
+    const bool bLarge = m_nIDLarge != 0 && m_nDpi >= kLargeFrom;
+    const int nTimes = std::max(m_nDpi / (bLarge ? 2 * kDefaultDpi : kDefaultDpi), 1) * (bLarge ? 2 : 1);
+    sizePicture = {description.sizePicture.cx * nTimes, description.sizePicture.cy * nTimes};
+    CBitmap pictures;
+    if (!pictures.LoadPicture(m_hInstance, bLarge ? m_nIDLarge : m_nIDResource,
+                              {sizePicture.cx * description.PictureCount(), sizePicture.cy})) {
+        return nullptr;
+    }
+    Images pImages(::ImageList_Create(sizePicture.cx, sizePicture.cy, ILC_COLOR24 | ILC_MASK, description.PictureCount(), 0));
+    if (pImages && ::ImageList_AddMasked(pImages.get(), pictures, kTransparent) == -1) {
+        pImages.reset();
+    }
+    return pImages;
+}
+
+bool CToolBar::Fill() {
+    const Description description(FindWords(m_hInstance, m_nIDResource));
+    if (description.ids.empty()) {
         return false;
     }
-    const ToolBarHead head{words[0], words[1], words[2], words[3]};
-    m_bmpImages = std::move(images);
-    SendMessage(TB_SETBITMAPSIZE, 0, MAKELPARAM(head.wWidth, head.wHeight));
-    SendMessage(TB_SETBUTTONSIZE, 0, MAKELPARAM(head.wWidth + 7, head.wHeight + 6));
-    AddButtons(words.subspan(4));
+    SIZE sizePicture{};
+    Images pImages = LoadPictures(description, sizePicture);
+    if (!pImages) {
+        return false;
+    }
+    while (SendMessage(TB_DELETEBUTTON, 0) != FALSE) {
+    }
+    SendMessage(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pImages.get()));
+    m_pImages = std::move(pImages);
+    SendMessage(TB_SETBUTTONSIZE, 0,
+                MAKELPARAM(sizePicture.cx + Scaled(kButtonMore.cx), sizePicture.cy + Scaled(kButtonMore.cy)));
+    AddButtons(description.ids);
     return true;
 }
 
@@ -79,18 +124,32 @@ void CToolBar::AddButtons(std::span<const WORD> ids) {
     for (const WORD nID : ids) {
         TBBUTTON button{};
         button.idCommand = nID;
-        button.iBitmap = nID != 0 ? nImage++ : 0;
+        button.iBitmap = nID != 0 ? nImage++ : Scaled(kSeparator);
         button.fsState = TBSTATE_ENABLED;
         button.fsStyle = nID != 0 ? BTNS_BUTTON : BTNS_SEP;
         buttons.push_back(button);
     }
-    const TBADDBITMAP bitmap{nullptr, reinterpret_cast<UINT_PTR>(m_bmpImages.GetSafeHandle())};
-    SendMessage(TB_ADDBITMAP, static_cast<WPARAM>(nImage), reinterpret_cast<LPARAM>(&bitmap));
     SendMessage(TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
 }
 
-int CToolBar::CalcFixedHeight() const {
-    return m_hWnd != nullptr ? HIWORD(::SendMessageW(m_hWnd, TB_GETBUTTONSIZE, 0, 0)) + 6 : 0;
+void CToolBar::OnDpiChanged(int nDpi) {
+    CControlBar::OnDpiChanged(nDpi);
+    Fill();
+}
+
+// The control breaks its rows when it learns its width.
+int CToolBar::LayOutItems(int cx) {
+    const auto nCount = static_cast<WPARAM>(SendMessage(TB_BUTTONCOUNT));
+    if (m_hWnd == nullptr || nCount == 0) {
+        return 0;
+    }
+    SetWindowPos(nullptr, 0, 0, cx, GetClientRect().bottom, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SendMessage(TB_AUTOSIZE);
+    RECT rcFirst{};
+    RECT rcLast{};
+    SendMessage(TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&rcFirst));
+    SendMessage(TB_GETITEMRECT, nCount - 1, reinterpret_cast<LPARAM>(&rcLast));
+    return static_cast<int>(rcLast.bottom - rcFirst.top) + Scaled(kHeightMore);
 }
 
 void CToolBar::OnUpdateCmdUI(CCmdTarget& target, bool bDisableIfNoHandler) {

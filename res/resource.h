@@ -3,9 +3,11 @@
    Tested by: scripts/check-resources. */
 #pragma once
 
-/* Frame: menu, icon and title string of one id. The tool bar, one for both languages, bears the English one. */
+/* Frame: menu, icon and title string of one id. The tool bar, one for both languages, bears the English one; its
+   pictures for screens of high resolution have one of their own. */
 #define IDR_MAINFRAME_EN 1002
 #define IDR_MAINFRAME_ZH 1005
+#define IDB_TOOLBAR_LARGE 1006
 
 /* Cursors of the track and zoom tools. */
 #define IDC_HAND_CLOSED 1009

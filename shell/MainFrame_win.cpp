@@ -116,7 +116,7 @@ int CMainFrame::OnCreate(CREATESTRUCTW* pCreate) {
 bool CMainFrame::CreateBars() {
     constexpr DWORD kBarStyle = WS_CHILD | WS_VISIBLE;
     if (!m_wndToolBar.CreateEx(this, TBSTYLE_FLAT, kBarStyle | CBRS_TOP | CBRS_TOOLTIPS | CBRS_SIZE_DYNAMIC, AFX_IDW_TOOLBAR) ||
-        !m_wndToolBar.LoadToolBar(IDR_MAINFRAME_EN) ||
+        !m_wndToolBar.LoadToolBar(IDR_MAINFRAME_EN, IDB_TOOLBAR_LARGE) ||
         !m_wndStatusBar.Create(this, kBarStyle | CBRS_BOTTOM, AFX_IDW_STATUS_BAR)) {
         return false;
     }

@@ -60,14 +60,14 @@ TEST(Preview, ContextAnswersForThePrinterAndDrawsOnTheSheet) {
 TEST(DialogBar, TakesItsStripAndGivesCommandsToTheFrame) {
     const TestApp app;
     HWND hBar = nullptr;
-    LONG nHeight = 0;
+    int nHeight = 0;
     app.Run([&](TestFrame& frame, TestView&) {
         auto* const pBar = new CDialogBar;
         pBar->m_bAutoDelete = true;
         EXPECT_FALSE(pBar->Create(&frame, 77, CBRS_TOP, AFX_IDW_PREVIEW_BAR)) << "no such template";
         ASSERT_TRUE(pBar->Create(&frame, 1, CBRS_TOP, AFX_IDW_PREVIEW_BAR));
         hBar = *pBar;
-        nHeight = pBar->CalcFixedHeight();
+        nHeight = pBar->LayOutItems(1000);
         frame.RecalcLayout();
     });
     EXPECT_EQ(::GetDlgItem(app.hFrame, AFX_IDW_PREVIEW_BAR), hBar);
