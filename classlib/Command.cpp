@@ -20,7 +20,7 @@ bool CCmdTarget::OnCmdMsg(UINT nID, int nCode, CCmdUI* pCmdUI, CCmdTarget** ppHa
             entry.pfnUpdate(*this, pCmdUI);
             return true;
         }
-        if (nCode == entry.nCode && entry.pfnRun != nullptr) {
+        if (nCode == CN_COMMAND && entry.pfnRun != nullptr) {
             if (ppHandler != nullptr) {
                 *ppHandler = this;
             } else {

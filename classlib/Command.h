@@ -49,7 +49,6 @@ protected:
 struct CmdEntry {
     UINT nID;
     UINT nLastID;
-    int nCode;                                ///< CN_COMMAND, or a control's notification code
     void (*pfnRun)(CCmdTarget&);              ///< null: the row only tells the state
     void (*pfnUpdate)(CCmdTarget&, CCmdUI*);  ///< null: the row leaves the state alone
 };
@@ -102,21 +101,15 @@ void UpdateCommand(CCmdTarget& target, CCmdUI* pCmdUI) {
 /// A command: void OnName(), and if given void OnUpdateName(CCmdUI*).
 template <auto Run>
 constexpr CmdEntry Cmd(UINT nID) {
-    return {nID, nID, CN_COMMAND, classlib_detail::RunCommand<Run>, nullptr};
+    return {nID, nID, classlib_detail::RunCommand<Run>, nullptr};
 }
 template <auto Run, auto Update>
 constexpr CmdEntry Cmd(UINT nID) {
-    return {nID, nID, CN_COMMAND, classlib_detail::RunCommand<Run>, classlib_detail::UpdateCommand<Update>};
+    return {nID, nID, classlib_detail::RunCommand<Run>, classlib_detail::UpdateCommand<Update>};
 }
 
 /// The state of ids nID to nLastID, such as status panes, which nobody chooses.
 template <auto Update>
 constexpr CmdEntry CmdUpdate(UINT nID, UINT nLastID) {
-    return {nID, nLastID, CN_COMMAND, nullptr, classlib_detail::UpdateCommand<Update>};
-}
-
-/// A control's notification: nCode BN_CLICKED, EN_CHANGE and so on, handler void OnName().
-template <auto Run>
-constexpr CmdEntry Control(int nCode, UINT nID) {
-    return {nID, nID, nCode, classlib_detail::RunCommand<Run>, nullptr};
+    return {nID, nLastID, nullptr, classlib_detail::UpdateCommand<Update>};
 }

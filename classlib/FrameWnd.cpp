@@ -51,7 +51,7 @@ BOOL CALLBACK PostCloseToDialog(HWND hWnd, LPARAM) {
 
 }  // namespace
 
-bool CFrameWnd::LoadFrame(UINT nIDResource, DWORD dwStyle, CWnd* pParentWnd) {
+bool CFrameWnd::LoadFrame(UINT nIDResource, DWORD dwStyle) {
     const HINSTANCE hInstance = AfxGetResourceHandle();
     const HMENU hMenu = ::LoadMenuW(hInstance, MAKEINTRESOURCEW(nIDResource));
     if (hMenu == nullptr) {
@@ -62,7 +62,7 @@ bool CFrameWnd::LoadFrame(UINT nIDResource, DWORD dwStyle, CWnd* pParentWnd) {
     std::wstring title = AfxLoadString(nIDResource, hInstance);
     title.resize(std::min(title.size(), title.find(L'\n')));
     const RECT rcDefault{CW_USEDEFAULT, CW_USEDEFAULT, 0, 0};
-    if (!CreateEx(0, nullptr, title.c_str(), dwStyle, rcDefault, pParentWnd != nullptr ? pParentWnd->m_hWnd : nullptr, hMenu)) {
+    if (!CreateEx(0, nullptr, title.c_str(), dwStyle, rcDefault, nullptr, hMenu)) {
         if (::IsMenu(hMenu)) {
             ::DestroyMenu(hMenu);
         }
@@ -202,17 +202,12 @@ void CFrameWnd::SetActiveView(CView* pView) {
     }
     m_pViewActive = nullptr;
     if (pOld != nullptr) {
-        pOld->OnActivateView(false, pView, pOld);
+        pOld->OnActivateView(false);
     }
     m_pViewActive = pView;
     if (pView != nullptr) {
-        pView->OnActivateView(true, pView, pOld);
+        pView->OnActivateView(true);
     }
-}
-
-void CFrameWnd::ShowControlBar(CControlBar* pBar, bool bShow) {
-    pBar->ShowWindow(bShow ? SW_SHOWNA : SW_HIDE);
-    RecalcLayout();
 }
 
 void CFrameWnd::RecalcLayout() {

@@ -26,14 +26,13 @@ public:
     /// Creates the window from the resources nIDResource of AfxGetResourceHandle(): the menu, which must exist, the
     /// icon, and the string up to its first line break as title. Then every window inside gets WM_INITIALUPDATE. The
     /// window is not shown. False on failure; the object has then deleted itself and must not be touched.
-    bool LoadFrame(UINT nIDResource, DWORD dwStyle = WS_OVERLAPPEDWINDOW, CWnd* pParentWnd = nullptr);
+    bool LoadFrame(UINT nIDResource, DWORD dwStyle = WS_OVERLAPPEDWINDOW);
 
     CView* GetActiveView() const { return m_pViewActive; }
     /// Tells the old and the new view, either may be null; the new one gets the focus. The view is not owned, and
     /// leaves by itself when its window goes.
     void SetActiveView(CView* pView);
 
-    void ShowControlBar(CControlBar* pBar, bool bShow);
     /// Lays out bars, then the child AFX_IDW_PANE_FIRST in what they leave.
     virtual void RecalcLayout();
     /// true: hides menu, pane and all bars but the status bar, to be brought back from the state, which the frame refers to from

@@ -122,7 +122,6 @@ public:
     int SetROP2(int nMode) { return ::SetROP2(m_hDC, nMode); }
     UINT SetTextAlign(UINT nFlags) { return ::SetTextAlign(m_hDC, nFlags); }
     COLORREF SetTextColor(COLORREF clr) { return ::SetTextColor(m_hDC, clr); }
-    COLORREF SetBkColor(COLORREF clr) { return ::SetBkColor(m_hDC, clr); }
     /// Logical point (0, 0) lies at device point (x, y) afterwards.
     void SetViewportOrg(int x, int y) { ::SetViewportOrgEx(m_hDC, x, y, nullptr); }
 

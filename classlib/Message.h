@@ -137,21 +137,15 @@ struct MsgSignature<WM_CLOSE> : classlib_detail::PlainSignature {};
 template <>
 struct MsgSignature<WM_PAINT> : classlib_detail::PlainSignature {};
 template <>
-struct MsgSignature<WM_MOUSELEAVE> : classlib_detail::PlainSignature {};
-template <>
 struct MsgSignature<WM_INITIALUPDATE> : classlib_detail::PlainSignature {};
 template <>
 struct MsgSignature<WM_IDLEUPDATECMDUI> : classlib_detail::PlainSignature {};
 template <>
 struct MsgSignature<WM_LBUTTONDOWN> : classlib_detail::MouseSignature {};
 template <>
-struct MsgSignature<WM_LBUTTONUP> : classlib_detail::MouseSignature {};
-template <>
 struct MsgSignature<WM_LBUTTONDBLCLK> : classlib_detail::MouseSignature {};
 template <>
 struct MsgSignature<WM_RBUTTONDOWN> : classlib_detail::MouseSignature {};
-template <>
-struct MsgSignature<WM_RBUTTONUP> : classlib_detail::MouseSignature {};
 template <>
 struct MsgSignature<WM_MOUSEMOVE> : classlib_detail::MouseSignature {};
 template <>
@@ -174,15 +168,6 @@ template <>
 struct MsgSignature<WM_SETFOCUS> : FocusSignature {};
 template <>
 struct MsgSignature<WM_KILLFOCUS> : FocusSignature {};
-
-/// void OnCaptureChanged(HWND hNewWnd)
-template <>
-struct MsgSignature<WM_CAPTURECHANGED> : classlib_detail::OtherWindowSignature {
-    template <class C>
-    static bool Call(C& wnd, Handler<C> pfn, WPARAM, LPARAM lParam, LRESULT&) {
-        return CallWith(wnd, pfn, lParam);
-    }
-};
 
 /// int OnCreate(CREATESTRUCTW*): -1 gives the window up
 template <>

@@ -117,7 +117,7 @@ void CPreviewView::OnPreviewClose() {
         return;
     }
     pBar->DestroyWindow();
-    m_pPrintView->OnEndPrintPreview(&m_previewDC, m_pPreviewInfo.get(), {0, 0}, this);
+    m_pPrintView->OnEndPrintPreview(&m_previewDC, m_pPreviewInfo.get(), this);
 }
 
 // The bar and with it the button that was pressed are gone when the main window gets the command.

@@ -30,13 +30,6 @@ enum class PreviewZoom : int { WholePage, Between, Close };
 /// sizeTrue   the sheet at its true size, screen pixels, 1 or more
 SIZE PreviewSheetSize(PreviewZoom zoom, SIZE sizeRoom, SIZE sizeTrue);
 
-/// Made by name: a class of views that is created where only its description is known.
-struct CRuntimeClass {
-    const char* m_lpszClassName;
-    CView* (*m_pfnCreateObject)();  ///< a new object, the caller's; null when memory runs out
-    CView* CreateObject() const { return m_pfnCreateObject(); }
-};
-
 /// Made with new; deletes itself when its window is gone, and its state with it. One page at a time is shown: page 1.
 class CPreviewView : public CScrollView {
 public:

@@ -1,6 +1,9 @@
 // The print dialog and the application object. Tested by: tests/e2e/PrintTest.cpp, tests/win/PrintSetupTest.cpp
 #include "classlib/Print.h"
 
+// after windows.h
+#include <winspool.h>
+
 #include <utility>
 
 #include "classlib/Thread.h"
@@ -14,6 +17,15 @@ void FreeGlobal(HGLOBAL& hMemory) {
     if (hMemory != nullptr) {
         ::GlobalFree(std::exchange(hMemory, nullptr));
     }
+}
+
+/// Whether the user has a printer, of this machine or of another.
+bool HasPrinter() {
+    DWORD nBytes = 0;
+    DWORD nPrinters = 0;
+    const bool bFits =
+        ::EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, 4, nullptr, 0, &nBytes, &nPrinters) != FALSE;
+    return !bFits && ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;  // what there is does not fit into nothing
 }
 
 /// Keeps a movable block at its place.
@@ -59,9 +71,19 @@ void CPrintDialog::FreeDevice() {
 }
 
 INT_PTR CPrintDialog::DoModal() {
+    m_dwError = 0;
+    if (!m_strNoPrinter.empty() && !HasPrinter()) {
+        AfxMessageBox(m_strNoPrinter.c_str(), MB_OK | MB_ICONEXCLAMATION);
+        return IDCANCEL;
+    }
     const CWnd* const pMain = AfxGetMainWnd();
     m_pd.hwndOwner = pMain != nullptr ? pMain->m_hWnd : nullptr;
-    return ::PrintDlgW(&m_pd) != FALSE ? IDOK : IDCANCEL;
+    m_pd.Flags |= m_strNoPrinter.empty() ? 0 : PD_NOWARNING;
+    if (::PrintDlgW(&m_pd) != FALSE) {
+        return IDOK;
+    }
+    m_dwError = ::CommDlgExtendedError();
+    return IDCANCEL;
 }
 
 bool CPrintDialog::GetDefaults() {
@@ -127,10 +149,11 @@ void CWinApp::TakeBack(CPrintDialog* pPD) {
 }
 
 INT_PTR CWinApp::DoPrintDialog(CPrintDialog* pPD) {
+    m_bDialogOpen = true;
     Lend(pPD);
     INT_PTR nResult = pPD->DoModal();
-    const DWORD dwError = nResult == IDOK ? 0 : ::CommDlgExtendedError();
     TakeBack(pPD);
+    const DWORD dwError = pPD->GetError();
     if (dwError == PDERR_PRINTERNOTFOUND || dwError == PDERR_DNDMMISMATCH || dwError == PDERR_DEFAULTDIFFERENT) {
         // The remembered printer is no more: once again with the system's own.
         FreeGlobal(m_hDevMode);
@@ -139,6 +162,7 @@ INT_PTR CWinApp::DoPrintDialog(CPrintDialog* pPD) {
         nResult = pPD->DoModal();
         TakeBack(pPD);
     }
+    m_bDialogOpen = false;
     return nResult;
 }
 

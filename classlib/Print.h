@@ -25,6 +25,7 @@ class CPrintDialog {
 public:
     PRINTDLGW m_pd{};
     bool m_bDeviceIsLent = false;  ///< hDevMode and hDevNames belong to somebody else
+    std::wstring m_strNoPrinter;   ///< what the user is told when there is no printer; empty: the system finds words of its own
 
     /// dwFlags  PD_... The dialog for printing makes a context for the chosen printer; the one for set-up does not.
     explicit CPrintDialog(bool bPrintSetupOnly, DWORD dwFlags = PD_ALLPAGES | PD_USEDEVMODECOPIES | PD_NOPAGENUMS |
@@ -33,9 +34,13 @@ public:
     CPrintDialog& operator=(const CPrintDialog&) = delete;
     ~CPrintDialog();
 
-    /// Shows the dialog over the thread's main window. IDOK, or IDCANCEL when the user or the system gave up; without a
-    /// printer the system says so itself.
+    /// Shows the dialog over the thread's main window. IDOK, or IDCANCEL when the user or the system gave up, or when there is no
+    /// printer, which the user is told.
     INT_PTR DoModal();
+    /// Whether the last DoModal ended by a failure that nobody has been told of.
+    bool HasFailed() const { return m_dwError != 0; }
+    /// The system's code of that failure; 0: none.
+    DWORD GetError() const { return m_dwError; }
     /// Takes the system's default printer without a dialog. False if there is none.
     bool GetDefaults();
     /// Makes m_pd.hDC for the chosen device if there is none yet. False on failure.
@@ -48,6 +53,8 @@ public:
 private:
     std::wstring NameAt(WORD DEVNAMES::*pOffset) const;
     void FreeDevice();
+
+    DWORD m_dwError = 0;
 };
 
 /// What a print run or a preview tells its view. Pages count from 1.
@@ -76,8 +83,8 @@ struct CPrintInfo {
     WORD GetToPage() const { return (m_pPD->m_pd.Flags & PD_PAGENUMS) != 0 ? m_pPD->m_pd.nToPage : GetMaxPage(); }
 };
 
-/// The application object of a program, as far as printing goes: it remembers which printer was chosen and how it was set. At
-/// most one exists; a module that has none, such as a DLL in a foreign program, prints with the system's defaults.
+/// The application object of a module, as far as printing goes: it remembers which printer was chosen and how it was set. At most
+/// one exists; without one each dialog, run and preview starts with the system's defaults.
 class CWinApp {
 public:
     /// Becomes the object that AfxGetApp gives, until it goes.
@@ -87,8 +94,9 @@ public:
     virtual ~CWinApp();
 
     /// Shows a print or set-up dialog that starts with the remembered printer, and remembers the one it ends with, whatever
-    /// the answer. The result is the dialog's.
+    /// the answer. The result is the dialog's. Not to be called while another is open.
     virtual INT_PTR DoPrintDialog(CPrintDialog* pPD);
+    bool IsDialogOpen() const { return m_bDialogOpen; }
     /// Lends the remembered printer, at first the system's default one, to a dialog that is not shown. False without a printer.
     bool GetPrinterDeviceDefaults(CPrintDialog* pPD);
 
@@ -98,6 +106,7 @@ private:
 
     HGLOBAL m_hDevMode = nullptr;  // owned, as the next
     HGLOBAL m_hDevNames = nullptr;
+    bool m_bDialogOpen = false;
 };
 
 /// The application object, null if there is none.

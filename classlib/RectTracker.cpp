@@ -114,11 +114,11 @@ void CRectTracker::Draw(CWnd* pWnd) {
     m_bShown = !m_bShown;
     CClientDC dc(pWnd);
     if (dc.m_hDC != nullptr) {
-        DrawTrackerRect(m_rect, &dc, pWnd);
+        DrawTrackerRect(m_rect, &dc);
     }
 }
 
-void CRectTracker::DrawTrackerRect(const RECT& rect, CDC* pDC, CWnd*) {
+void CRectTracker::DrawTrackerRect(const RECT& rect, CDC* pDC) {
     pDC->DrawFocusRect({std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
                         std::max(rect.top, rect.bottom)});
 }

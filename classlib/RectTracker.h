@@ -24,7 +24,7 @@ public:
     /// Called after each change with the rectangle before it; m_rect is the new one. The base does nothing.
     virtual void OnChangedRect(const RECT& /*rectOld*/) {}
     /// Draws the rectangle, or wipes it when called a second time. The base draws a dotted frame.
-    virtual void DrawTrackerRect(const RECT& rect, CDC* pDC, CWnd* pWnd);
+    virtual void DrawTrackerRect(const RECT& rect, CDC* pDC);
 
 private:
     enum class Step { Track, Accept, Cancel };

@@ -67,7 +67,7 @@ void CView::OnDestroy() {
     Default();
 }
 
-void CView::OnActivateView(bool bActivate, CView*, CView*) {
+void CView::OnActivateView(bool bActivate) {
     if (bActivate) {
         SetFocus();
     }

@@ -19,7 +19,7 @@ public:
     virtual void OnInitialUpdate() { Invalidate(); }
     /// The frame's active view changes: bActivate says to which side of the change this view belongs. The base takes
     /// the focus when activated.
-    virtual void OnActivateView(bool bActivate, CView* pActivateView, CView* pDeactiveView);
+    virtual void OnActivateView(bool bActivate);
 
     // Printing, see Print.h. The base prints what OnDraw draws. A context's m_hAttribDC tells about the printer, also where
     // output goes to a preview.
@@ -33,7 +33,7 @@ public:
     /// The last call of a run or preview that was begun.
     virtual void OnEndPrinting(CDC* /*pDC*/, CPrintInfo* /*pInfo*/) {}
     /// The user leaves the preview: to take it off the frame. The view stays valid until the last handler has returned.
-    virtual void OnEndPrintPreview(CDC* /*pDC*/, CPrintInfo* /*pInfo*/, POINT /*point*/, CPreviewView* /*pView*/) {}
+    virtual void OnEndPrintPreview(CDC* /*pDC*/, CPrintInfo* /*pInfo*/, CPreviewView* /*pView*/) {}
 
 protected:
     /// Shows the print dialog; for a preview takes the printer chosen last, or the default one, without asking. Through the

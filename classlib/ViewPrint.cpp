@@ -153,6 +153,12 @@ bool PrintDocument(CView& view, CDC& dc, CPrintInfo& info, const std::wstring& t
     return t_run.bAborted;
 }
 
+void TellFailure(const CPrintInfo& info) {
+    if (!info.m_strFailure.empty()) {
+        AfxMessageBox(info.m_strFailure.c_str(), MB_OK | MB_ICONEXCLAMATION);
+    }
+}
+
 /// The run behind the dialog.
 bool RunPrinting(CView& view, CPrintInfo& info) {
     const CWnd* const pMain = AfxGetMainWnd();
@@ -179,10 +185,12 @@ bool CView::DoPreparePrinting(CPrintInfo* pInfo) {
         dialog.CreatePrinterDC()) {
         return true;
     }
-    if ((pApp != nullptr ? pApp->DoPrintDialog(&dialog) : dialog.DoModal()) != IDOK) {
-        return false;
+    const INT_PTR nResult = pApp != nullptr ? pApp->DoPrintDialog(&dialog) : dialog.DoModal();
+    const bool bReady = nResult == IDOK && dialog.CreatePrinterDC();
+    if (!bReady && (nResult == IDOK || dialog.HasFailed())) {
+        TellFailure(*pInfo);
     }
-    return dialog.CreatePrinterDC();
+    return bReady;
 }
 
 void CView::OnFilePrint() {
@@ -190,7 +198,7 @@ void CView::OnFilePrint() {
     if (!OnPreparePrinting(&info)) {
         return;
     }
-    if (!RunPrinting(*this, info) && !info.m_strFailure.empty()) {
-        AfxMessageBox(info.m_strFailure.c_str(), MB_OK | MB_ICONEXCLAMATION);
+    if (!RunPrinting(*this, info)) {
+        TellFailure(info);
     }
 }

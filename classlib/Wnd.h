@@ -61,7 +61,6 @@ public:
     void SendMessageToDescendants(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
     DWORD GetStyle() const { return static_cast<DWORD>(::GetWindowLongPtrW(m_hWnd, GWL_STYLE)); }
-    DWORD GetExStyle() const { return static_cast<DWORD>(::GetWindowLongPtrW(m_hWnd, GWL_EXSTYLE)); }
     int GetDlgCtrlID() const { return ::GetDlgCtrlID(m_hWnd); }
     void SetDlgCtrlID(UINT nID);
     bool IsWindowVisible() const { return ::IsWindowVisible(m_hWnd) != FALSE; }
@@ -73,7 +72,6 @@ public:
     void Invalidate(bool bErase = true);
     void InvalidateRect(const RECT& rc, bool bErase = true);
     bool SetWindowPos(HWND hWndInsertAfter, int x, int y, int cx, int cy, UINT nFlags);
-    void SetWindowText(LPCWSTR lpszText) { ::SetWindowTextW(m_hWnd, lpszText); }
     std::wstring GetWindowText() const;
     /// Client rectangle, left and top 0. Window rectangle in screen coordinates.
     RECT GetClientRect() const;

@@ -67,6 +67,8 @@
 #define IDS_COMMAND_FAILED_ZH 61905
 #define IDS_PRINT_FAILED_EN 61708
 #define IDS_PRINT_FAILED_ZH 61908
+#define IDS_NO_PRINTER_EN 61709
+#define IDS_NO_PRINTER_ZH 61909
 
 /* Controls that nobody asks for. */
 #define IDC_STATIC -1

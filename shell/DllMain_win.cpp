@@ -1,8 +1,16 @@
 // The module's door: load, unload and the one export, named in width.def.
 // Tested by: tests/e2e/PluginTest.cpp
+#include "classlib/Print.h"
 #include "classlib/Wnd.h"
 #include "module/ModuleState.h"
 #include "shell/Plugin_win.h"
+
+namespace {
+
+// The module's application object: remembers printer, paper and orientation as long as the module is loaded.
+CWinApp g_app;
+
+}  // namespace
 
 extern "C" int32_t pi_init(pi_table* pTable, uint16_t nLangId);
 extern "C" int32_t pi_init(pi_table* pTable, uint16_t nLangId) {

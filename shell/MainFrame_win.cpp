@@ -177,11 +177,18 @@ void CMainFrame::OnExit() {
     PostMessage(WM_CLOSE);
 }
 
-// The set-up belongs to an application object, which keeps it. Where the host provides none, nothing happens.
+// The set-up belongs to the application object, which keeps it.
 void CMainFrame::OnPrintSetup() {
-    if (CWinApp* const pApp = AfxGetApp()) {
-        CPrintDialog dialog(true);
-        pApp->DoPrintDialog(&dialog);
+    CWinApp* const pApp = AfxGetApp();
+    if (pApp == nullptr || IsInPreview() || m_wndView.IsPrinting()) {
+        return;
+    }
+    const bool bChinese = g_bChinese != 0;
+    CPrintDialog dialog(true);
+    dialog.m_strNoPrinter = AfxLoadString(bChinese ? IDS_NO_PRINTER_ZH : IDS_NO_PRINTER_EN, g_hModule);
+    pApp->DoPrintDialog(&dialog);
+    if (dialog.HasFailed()) {
+        AfxMessageBox(AfxLoadString(bChinese ? IDS_COMMAND_FAILED_ZH : IDS_COMMAND_FAILED_EN, g_hModule).c_str());
     }
 }
 

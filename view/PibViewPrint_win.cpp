@@ -6,12 +6,12 @@
 #include <memory>
 #include <new>
 
+#include "classlib/PreviewView.h"
 #include "classlib/Thread.h"
 #include "module/ModuleState.h"
 #include "res/resource.h"
 #include "view/PagePlacement.h"
 #include "view/PibView_win.h"
-#include "view/PreviewView2_win.h"
 
 namespace width {
 
@@ -55,7 +55,7 @@ private:
 };
 
 /// Back to the frame as it was, with the state still the caller's.
-void GiveUpPreview(CPreviewView2* pView, CPrintPreviewState* pState) {
+void GiveUpPreview(CPreviewView* pView, CPrintPreviewState* pState) {
     g_pMainFrame->OnSetPreviewMode(false, pState);
     g_pMainFrame->RecalcLayout();
     pView->m_pPreviewState = nullptr;
@@ -63,14 +63,15 @@ void GiveUpPreview(CPreviewView2* pView, CPrintPreviewState* pState) {
 
 }  // namespace
 
-const CRuntimeClass CPreviewView2::classCPreviewView2 = {"CPreviewView2",
-                                                         []() -> CView* { return new (std::nothrow) CPreviewView2; }};
-
 // ---- printing ----
 
-// Dialogs and the box of a print run let commands through: a second one waits for nothing and does nothing.
+bool CPibView::IsPrinting() const {
+    const CWinApp* const pApp = AfxGetApp();
+    return m_bInsidePrinting || (pApp != nullptr && pApp->IsDialogOpen());
+}
+
 void CPibView::OnFilePrint() {
-    if (HasImage() && !m_bInsidePrinting) {
+    if (HasImage() && !IsPrinting()) {
         const CFlagGuard inside(m_bInsidePrinting);
         CScrollView::OnFilePrint();
     }
@@ -79,6 +80,7 @@ void CPibView::OnFilePrint() {
 bool CPibView::OnPreparePrinting(CPrintInfo* pInfo) {
     pInfo->m_nIDStatusDialog = InLanguage(IDD_PRINTING_EN, IDD_PRINTING_ZH);
     pInfo->m_strFailure = AfxLoadString(InLanguage(IDS_PRINT_FAILED_EN, IDS_PRINT_FAILED_ZH), g_hModule);
+    pInfo->m_pPD->m_strNoPrinter = AfxLoadString(InLanguage(IDS_NO_PRINTER_EN, IDS_NO_PRINTER_ZH), g_hModule);
     return DoPreparePrinting(pInfo);
 }
 
@@ -107,30 +109,30 @@ void CPibView::OnEndPrinting(CDC* pDC, CPrintInfo* pInfo) {
 
 // One preview at a time: a command that comes in another way than by the menu, which is gone meanwhile, does nothing.
 void CPibView::OnFilePrintPreview() {
-    if (m_bInsidePrinting || g_pMainFrame->IsInPreview()) {
+    if (IsPrinting() || g_pMainFrame->IsInPreview()) {
         return;
     }
     const CFlagGuard inside(m_bInsidePrinting);
     auto pState = std::make_unique<CPrintPreviewState>();
     const UINT nBar = InLanguage(IDD_PREVIEW_BAR_EN, IDD_PREVIEW_BAR_ZH);
-    if (DoPrintPreview(nBar, this, CPreviewView2::classCPreviewView2, pState.get())) {
+    if (DoPrintPreview(nBar, pState.get())) {
         static_cast<void>(pState.release());  // the preview view has it, or had it
     } else {
         AfxMessageBox(AfxLoadString(InLanguage(IDS_COMMAND_FAILED_EN, IDS_COMMAND_FAILED_ZH), g_hModule).c_str());
     }
 }
 
-/// Starts a preview of pPrintView in the module's frame. False if it could not be built: the frame is then as before, and the
+/// Starts a preview of this view in the module's frame. False if it could not be built: the frame is then as before, and the
 /// state still the caller's. True otherwise, also when it ended at once because there is no printer; the state then
 /// belongs to the preview view.
-bool CPibView::DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState) {
+bool CPibView::DoPrintPreview(UINT nIDResource, CPrintPreviewState* pState) {
     CFrameWnd* const pFrame = g_pMainFrame;
     auto pNewBar = std::make_unique<CDialogBar>();
-    std::unique_ptr<CPreviewView2> pNewView(static_cast<CPreviewView2*>(viewClass.CreateObject()));
+    std::unique_ptr<CPreviewView> pNewView(new (std::nothrow) CPreviewView);
     if (!pNewView) {
         return false;
     }
-    CPreviewView2* const pView = pNewView.get();
+    CPreviewView* const pView = pNewView.get();
     pFrame->OnSetPreviewMode(true, pState);
     pView->m_pPreviewState = pState;
 
@@ -151,9 +153,9 @@ bool CPibView::DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntim
 
     pState->pViewActiveOld = pFrame->GetActiveView();
     if (pState->pViewActiveOld != nullptr) {
-        pState->pViewActiveOld->OnActivateView(false, pState->pViewActiveOld, pState->pViewActiveOld);
+        pState->pViewActiveOld->OnActivateView(false);
     }
-    if (!pView->SetPrintView(pPrintView)) {
+    if (!pView->SetPrintView(this)) {
         pView->OnPreviewClose();
         return true;
     }
@@ -164,7 +166,7 @@ bool CPibView::DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntim
     return true;
 }
 
-void CPibView::OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, POINT /*point*/, CPreviewView* pView) {
+void CPibView::OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, CPreviewView* pView) {
     if (pView->m_pPrintView != nullptr) {
         pView->m_pPrintView->OnEndPrinting(pDC, pInfo);
     }
@@ -172,7 +174,7 @@ void CPibView::OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, POINT /*point*/, C
     pFrame->OnSetPreviewMode(false, pView->m_pPreviewState);
     pFrame->SetActiveView(pView->m_pPreviewState->pViewActiveOld);
     if (GetParentFrame() != pFrame) {
-        OnActivateView(true, this, this);
+        OnActivateView(true);
     }
     pView->DestroyWindow();
     pFrame->RecalcLayout();

@@ -11,7 +11,7 @@ namespace width {
 class CPibView::CHandTracker : public CRectTracker {
 public:
     explicit CHandTracker(CPibView* pView) : m_pView(pView) { m_sizeMin = {1, 1}; }
-    void DrawTrackerRect(const RECT& /*rect*/, CDC* /*pDC*/, CWnd* /*pWnd*/) override {}
+    void DrawTrackerRect(const RECT& /*rect*/, CDC* /*pDC*/) override {}
     void OnChangedRect(const RECT& rectOld) override {
         const std::int32_t dx = (m_rect.right - m_rect.left) - (rectOld.right - rectOld.left);
         const std::int32_t dy = (m_rect.bottom - m_rect.top) - (rectOld.bottom - rectOld.top);

@@ -21,7 +21,6 @@
 #include "view/Zoom.h"
 
 struct CPrintPreviewState;
-struct CRuntimeClass;
 
 namespace width {
 
@@ -44,13 +43,17 @@ public:
     void OnBeginPrinting(CDC* pDC, CPrintInfo* pInfo) override;
     void OnPrint(CDC* pDC, CPrintInfo* pInfo) override;
     void OnEndPrinting(CDC* pDC, CPrintInfo* pInfo) override;
-    void OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, POINT point, CPreviewView* pView) override;
+    void OnEndPrintPreview(CDC* pDC, CPrintInfo* pInfo, CPreviewView* pView) override;
 
     /// Where client points lie on the image now. Without an image the image is 0 x 0.
     ViewGeometry Geometry() const;
 
     /// Where the zoomed image lies, content coordinates; empty without an image.
     RECT GetImageRect() const { return width::GetImageRect(Geometry()); }
+
+    /// Whether a printer's dialog, a print run or the start of a preview is under way. All of them let posted commands through;
+    /// another one of them then does nothing.
+    bool IsPrinting() const;
 
     // The state of the job. Everybody may read it; it is written by the view's handlers only.
     char m_szFilePath[kPathBytes] = {};  ///< where the image was last saved; empty until then
@@ -125,7 +128,7 @@ private:
     Overlays CurrentOverlays() const;
     bool PaintVisiblePart(CDC& dc, const RECT& rcImage) const;
     void PaintWithoutOverlays(CDC& dc, const RECT& rcImage) const;
-    bool DoPrintPreview(UINT nIDResource, CView* pPrintView, const CRuntimeClass& viewClass, CPrintPreviewState* pState);
+    bool DoPrintPreview(UINT nIDResource, CPrintPreviewState* pState);
     void UpdateScrollSizes();
     void InvalidateView();  ///< what the view shows has changed
     void RepaintView();     ///< only what is drawn on the window beside it has

@@ -402,7 +402,7 @@ TEST_F(PrintTest, CommandsDuringAPreview) {
     EXPECT_EQ(preview.View(), hView) << "one preview at a time";
     EXPECT_EQ(preview.Bar(), hBar);
     EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr);
-    for (const UINT nId : {ID_TOOL_ZOOM, ID_VIEW_BEST_FIT, ID_TOOL_WIDTH_LABEL, ID_EDIT_UNDO, ID_FILE_PRINT_SETUP}) {
+    for (const UINT nId : {ID_TOOL_ZOOM, ID_VIEW_BEST_FIT, ID_TOOL_WIDTH_LABEL, ID_EDIT_UNDO}) {
         job.Command(nId);
     }
     job.Send(job.Frame(), WM_SETFOCUS, 0);
@@ -513,6 +513,91 @@ TEST_F(PrintTest, PreviewThatCannotBeBuiltSaysSoAndLeavesTheFrameAsItWas) {
     }
 }
 
+/// The sheet that a preview shows, in pixels of the screen.
+SIZE SheetOf(const Preview& preview) {
+    const Raster shown = preview.Shown();
+    const RECT rc = shown.Box([](COLORREF clr) { return clr == kWhite; });
+    return {rc.right - rc.left, rc.bottom - rc.top};
+}
+
+/// Chooses an orientation in the dialog of Print Setup.
+void ChooseSetUp(const PluginJob& job, int nOrientationButton, UINT nAnswer) {
+    ::PostMessageW(job.Frame(), WM_COMMAND, ID_FILE_PRINT_SETUP, 0);
+    const HWND hDlg = test::WaitForWindow(0, L"#32770");
+    ASSERT_NE(hDlg, nullptr);
+    ASSERT_NE(::GetDlgItem(hDlg, nOrientationButton), nullptr);
+    ::SendMessageW(::GetDlgItem(hDlg, nOrientationButton), BM_CLICK, 0, 0);
+    test::PostCommand(hDlg, nAnswer);
+    ASSERT_TRUE(WaitFor([&] { return ::IsWindow(hDlg) == FALSE && ::IsWindowEnabled(job.Frame()) != FALSE; }));
+}
+
+constexpr int kPortrait = 1056, kLandscape = 1057;  // buttons of the system's dialog
+
+TEST_F(PrintTest, SetUpHoldsForPreviewPrintAndLaterJobsOfTheModule) {
+    const auto expectSheet = [](const PluginJob& job, bool bLandscape) {
+        const Preview preview(job);
+        const SIZE size = SheetOf(preview);
+        EXPECT_EQ(size.cx > size.cy, bLandscape) << size.cx << " x " << size.cy;
+        preview.Press(ID_PREVIEW_CLOSE);
+    };
+    {
+        PluginJob job(kEnglish);
+        ASSERT_TRUE(StartWith(job, Patchwork(1000, 300)));
+        expectSheet(job, false);
+        ChooseSetUp(job, kLandscape, IDCANCEL);
+        expectSheet(job, false);
+        ChooseSetUp(job, kLandscape, IDOK);
+        expectSheet(job, true);
+
+        PrintWithDialog(job);
+        ASSERT_TRUE(m_printer.WaitForDocument());
+        EXPECT_TRUE(WaitFor([&] { return ::IsWindowEnabled(job.Frame()) != FALSE; }));
+        const auto page = m_printer.RenderPage();
+        ASSERT_TRUE(page.has_value());
+        const RECT rc = page->Box(IsInk);
+        // 1000 pixels of a screen of 96 are 3125 dots: wider than the page is high, and reduced to that.
+        EXPECT_EQ(std::max(rc.right - rc.left, rc.bottom - rc.top), TestPrinter::kPrintable.bottom - TestPrinter::kPrintable.top);
+        EXPECT_TRUE(job.Close());
+
+        ASSERT_TRUE(StartWith(job, Patchwork(100, 30)));
+        expectSheet(job, true);
+        ChooseSetUp(job, kPortrait, IDOK);
+        expectSheet(job, false);
+        ChooseSetUp(job, kLandscape, IDOK);
+        EXPECT_TRUE(job.Close());
+    }
+    PluginJob anew(kEnglish);
+    ASSERT_TRUE(StartWith(anew, Patchwork(100, 30)));
+    expectSheet(anew, false);
+}
+
+// Dialogs, runs and previews let posted commands through.
+TEST_F(PrintTest, SetUpAndPrintingDoNotGetIntoEachOther) {
+    PluginJob job(kEnglish);
+    ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
+    const auto expectNoOther = [&](HWND hDlg) {
+        for (const UINT nId : {ID_FILE_PRINT_SETUP, ID_FILE_PRINT, ID_FILE_PRINT_PREVIEW}) {
+            job.Command(nId);
+            EXPECT_EQ(test::FindTopWindow(0, L"#32770"), hDlg) << nId;
+            EXPECT_EQ(::GetDlgItem(job.Frame(), kPreviewBar), nullptr) << nId;
+        }
+    };
+    for (const UINT nId : {ID_FILE_PRINT_SETUP, ID_FILE_PRINT}) {
+        ::PostMessageW(job.Frame(), WM_COMMAND, nId, 0);
+        const HWND hDlg = test::WaitForWindow(0, L"#32770");
+        ASSERT_NE(hDlg, nullptr);
+        expectNoOther(hDlg);
+        test::PostCommand(hDlg, IDCANCEL);
+        ASSERT_TRUE(WaitFor([&] { return ::IsWindow(hDlg) == FALSE && ::IsWindowEnabled(job.Frame()) != FALSE; }));
+    }
+    const Preview preview(job);
+    job.Command(ID_FILE_PRINT_SETUP);
+    EXPECT_EQ(test::FindTopWindow(0, L"#32770"), nullptr);
+    preview.Press(ID_PREVIEW_CLOSE);
+    ChooseSetUp(job, kLandscape, IDOK);
+    EXPECT_TRUE(job.Close());
+}
+
 TEST(PrintWithoutPath, RunThatFailsSaysSo) {
     const TestPrinter printer(L"C:\\no such folder\\page.ps");
     ASSERT_TRUE(printer.IsReady());
@@ -528,15 +613,22 @@ TEST(PrintWithoutPath, RunThatFailsSaysSo) {
     }
 }
 
-TEST(PrintWithoutPrinter, SystemSaysSoAndNothingElseHappens) {
+class WithoutPrinter : public ::testing::TestWithParam<WORD> {};
+
+INSTANTIATE_TEST_SUITE_P(Languages, WithoutPrinter, ::testing::Values(kEnglish, kChinese));
+
+TEST_P(WithoutPrinter, MessageSaysSoAndNothingElseHappens) {
     TestPrinter::Remove();
-    PluginJob job(kEnglish);
+    PluginJob job(GetParam());
     ASSERT_TRUE(StartWith(job, Patchwork(300, 200)));
     const HWND hOwnView = job.View();
-    for (const UINT nId : {ID_FILE_PRINT, ID_FILE_PRINT_PREVIEW}) {
+    for (const UINT nId : {ID_FILE_PRINT, ID_FILE_PRINT_PREVIEW, ID_FILE_PRINT_SETUP}) {
         ::PostMessageW(job.Frame(), WM_COMMAND, nId, 0);
         const HWND hBox = WaitForMessage();
         ASSERT_NE(hBox, nullptr);
+        EXPECT_EQ(test::MessageBoxText(hBox), GetParam() == kChinese ? L"没有打印机。请先安装一台打印机。"
+                                                                     : L"There is no printer. Please install one first.");
+        EXPECT_EQ(test::TextOf(hBox), GetParam() == kChinese ? L"宽度" : L"Width");
         test::PostCommand(hBox, IDOK);
         EXPECT_TRUE(
             WaitFor([&] { return test::FindTopWindow(0, L"#32770") == nullptr && ::IsWindowEnabled(job.Frame()) != FALSE; }));

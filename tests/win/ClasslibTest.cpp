@@ -114,7 +114,8 @@ TEST(Frame, LaysOutBarsAndPaneAndSwapsThemForAPreview) {
         EXPECT_EQ(frame.GetDlgItem(AFX_IDW_PANE_FIRST), nullptr);
         EXPECT_EQ(::GetMenu(frame), nullptr);
         frame.OnSetPreviewMode(false, &state);
-        frame.ShowControlBar(&frame.m_wndToolBar, false);
+        frame.m_wndToolBar.ShowWindow(SW_HIDE);
+        frame.RecalcLayout();
     });
     EXPECT_NE(::GetMenu(app.hFrame), nullptr);
     ::GetClientRect(app.hFrame, &rcFrame);

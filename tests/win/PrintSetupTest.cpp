@@ -1,4 +1,4 @@
-// Print Setup, which needs an application object: the plug-in's frame in a program that has one.
+// Print Setup, which needs an application object: the plug-in's frame in a program that has none, and in one that has.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -97,7 +97,24 @@ TEST(PrintSetup, ApplicationObjectShowsTheDialogAndRemembersTheChoice) {
     EXPECT_GT(size.cx, size.cy) << "a later job finds it again";
 }
 
-TEST(PrintSetup, WithoutAPrinterTheSystemSaysSo) {
+/// Answers every dialog with OK, and with a printer that there is not.
+struct AppWithoutDevice : CWinApp {
+    INT_PTR DoPrintDialog(CPrintDialog* /*pPD*/) override { return IDOK; }
+};
+
+TEST(PrintSetup, RunThatCannotBeginSaysSo) {
+    const test::TestPrinter printer;
+    AppWithoutDevice app;
+    const LinkedJob job;
+    ::PostMessageW(job.hFrame, WM_COMMAND, ID_FILE_PRINT, 0);
+    HWND hBox = nullptr;
+    ASSERT_TRUE(WaitFor([&] { return !test::MessageBoxText(hBox = test::FindTopWindow(0, L"#32770")).empty(); }));
+    EXPECT_EQ(test::MessageBoxText(hBox), L"Printing failed.");
+    test::PostCommand(hBox, IDOK);
+    EXPECT_TRUE(WaitFor([&] { return ::IsWindow(hBox) == FALSE && ::IsWindowEnabled(job.hFrame) != FALSE; }));
+}
+
+TEST(PrintSetup, WithoutAPrinterTheUserIsTold) {
     test::TestPrinter::Remove();
     CWinApp app;
     const LinkedJob job;
@@ -105,6 +122,7 @@ TEST(PrintSetup, WithoutAPrinterTheSystemSaysSo) {
         ::PostMessageW(job.hFrame, WM_COMMAND, nId, 0);
         HWND hBox = nullptr;
         ASSERT_TRUE(WaitFor([&] { return !test::MessageBoxText(hBox = test::FindTopWindow(0, L"#32770")).empty(); }));
+        EXPECT_EQ(test::MessageBoxText(hBox), L"There is no printer. Please install one first.");
         test::PostCommand(hBox, IDOK);
         EXPECT_TRUE(WaitFor([&] {
             return ::IsWindow(hBox) == FALSE && test::FindTopWindow(0, L"#32770") == nullptr &&
