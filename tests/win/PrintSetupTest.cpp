@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "classlib/ControlBar.h"
 #include "classlib/Print.h"
@@ -34,7 +35,11 @@ public:
             pDib, nullptr, [](void* pEnded, int32_t, void*, void*) { *static_cast<bool*>(pEnded) = true; }, &m_bEnded);
         hFrame = test::WaitForWindow(0);
         const HWND hBar = ::GetDlgItem(hFrame, AFX_IDW_STATUS_BAR);
-        WaitFor([&] { return ::IsZoomed(hFrame) != FALSE && ::SendMessageW(hBar, WM_NULL, 0, 0) == 0; });
+        WaitFor([&] {
+            wchar_t size[300] = {};
+            ::SendMessageW(hBar, SB_GETTEXTW, 1, reinterpret_cast<LPARAM>(size));
+            return std::wstring(size) == L"96 x 48";
+        });
         m_hThread = ::OpenThread(SYNCHRONIZE, FALSE, ::GetWindowThreadProcessId(hFrame, nullptr));
     }
     LinkedJob(const LinkedJob&) = delete;
