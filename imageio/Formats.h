@@ -1,8 +1,8 @@
 // What the format sources offer to the dispatch in ImageIo.cpp, and what they share.
 //
-// A reader gets a regular file opened for reading, positioned at its start; a writer gets an empty
-// one. Both leave it open, and neither may be given a file that other code reads meanwhile. Errors
-// are single lines in English without the file's name; an empty text is success.
+// A reader gets a regular file opened for reading, positioned at its start, which it leaves open and which
+// no other code may read meanwhile. A writer gets an empty one; what became of its writes is the file's to
+// tell. Errors are single lines in English without the file's name; an empty text is success.
 // Tested by: tests/unit/imageio/ImageIoTest.cpp
 #pragma once
 
@@ -15,6 +15,7 @@
 #include "core/PackedDib.h"
 #include "imageio/DibBuilder.h"
 #include "imageio/ImageIo.h"
+#include "imageio/NewFile.h"
 
 namespace width {
 
@@ -30,11 +31,15 @@ struct SourceBlock {
     DibView view;
 };
 
-std::string SaveBmp(std::FILE* pFile, const SourceBlock& source);
-std::string SavePng(std::FILE* pFile, const SourceBlock& source);
-std::string SaveJpeg(std::FILE* pFile, const SourceBlock& source);
-std::string SaveTiff(std::FILE* pFile, const SourceBlock& source);
-std::string SaveGif(std::FILE* pFile, const SourceBlock& source);
+std::string SaveBmp(NewFile& file, const SourceBlock& source);
+std::string SavePng(NewFile& file, const SourceBlock& source);
+std::string SaveJpeg(NewFile& file, const SourceBlock& source);
+std::string SaveTiff(NewFile& file, const SourceBlock& source);
+std::string SaveGif(NewFile& file, const SourceBlock& source);
+
+/// Has a writer make a new file, reads that back, and puts it in the target's place.
+using Saver = std::string (*)(NewFile& file, const SourceBlock& source);
+std::string SaveBy(const std::filesystem::path& path, const SourceBlock& source, Saver save);
 
 /// A sentence and a library's own words as one printable line of reasonable length.
 std::string WithDetail(const char* pSentence, const std::string& detail);

@@ -33,7 +33,7 @@ int ReadBytes(GifFileType* pGif, GifByteType* pTarget, int nBytes) {
 }
 
 int WriteBytes(GifFileType* pGif, const GifByteType* pSource, int nBytes) {
-    return static_cast<int>(std::fwrite(pSource, 1, static_cast<std::size_t>(nBytes), static_cast<std::FILE*>(pGif->UserData)));
+    return static_cast<NewFile*>(pGif->UserData)->Write(pSource, static_cast<std::size_t>(nBytes)) ? nBytes : 0;
 }
 
 // Reads an extension, for the entry that the next picture hides.
@@ -131,7 +131,7 @@ LoadedPicture ReadPicture(GifFileType* pGif, int nHidden) {
 // Owns the file being written; Close tells whether its last bytes went out.
 class GifWriter {
 public:
-    explicit GifWriter(std::FILE* pFile) : m_pGif(EGifOpen(pFile, WriteBytes, &m_nError)) {}
+    explicit GifWriter(NewFile& file) : m_pGif(EGifOpen(&file, WriteBytes, &m_nError)) {}
     ~GifWriter() { Close(); }
     GifWriter(const GifWriter&) = delete;
     GifWriter& operator=(const GifWriter&) = delete;
@@ -188,7 +188,7 @@ LoadedPicture LoadGif(std::FILE* pFile) {
     return FindPicture(pGif.get(), nHidden) ? ReadPicture(pGif.get(), nHidden) : Damaged(pGif->Error);
 }
 
-std::string SaveGif(std::FILE* pFile, const SourceBlock& source) {
+std::string SaveGif(NewFile& file, const SourceBlock& source) {
     constexpr std::int32_t kMaxSide = std::numeric_limits<std::uint16_t>::max();
     if (source.view.BitCount() > 8) {
         return "a GIF picture has at most 256 colours, this one has 24 or more bits per pixel";
@@ -196,7 +196,7 @@ std::string SaveGif(std::FILE* pFile, const SourceBlock& source) {
     if (source.view.Width() > kMaxSide || source.view.Height() > kMaxSide) {
         return "the picture is too large for a GIF file";
     }
-    GifWriter writer(pFile);
+    GifWriter writer(file);
     const bool bRows = writer.Get() != nullptr && WriteHead(writer.Get(), source.view) && WriteRows(writer.Get(), source.view);
     const bool bClosed = writer.Close();
     return bRows && bClosed ? std::string() : "the GIF picture cannot be written";

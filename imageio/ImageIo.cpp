@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -28,12 +27,18 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 
-std::string SystemText(int nError) {
-    return std::generic_category().message(nError);
+// A limit on the sizes of files, or on what a user may use, is a disk that is full for this program.
+std::string SystemText(SystemError nError) {
+    const std::string words = std::generic_category().message(static_cast<int>(nError));
+    const bool bFull = nError == ENOSPC || nError == EDQUOT || nError == EFBIG;
+    return bFull ? "the disk is full (" + words + ")" : words;
+}
+
+std::string SystemText() {
+    return SystemText(static_cast<SystemError>(errno));
 }
 
 using Loader = LoadedPicture (*)(std::FILE*);
-using Saver = std::string (*)(std::FILE*, const SourceBlock&);
 
 Loader LoaderFor(std::string_view head) {
     using namespace std::string_view_literals;
@@ -78,7 +83,7 @@ Saver SaverFor(const std::filesystem::path& path) {
 LoadedPicture LoadOpened(const std::filesystem::path& path) {
     const int nDescriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (nDescriptor < 0) {
-        return Failed(SystemText(errno));
+        return Failed(SystemText());
     }
     const FileHandle pFile(fdopen(nDescriptor, "rb"));
     if (pFile == nullptr) {
@@ -92,7 +97,7 @@ LoadedPicture LoadOpened(const std::filesystem::path& path) {
     std::array<char, 8> head{};
     const std::size_t nHead = std::fread(head.data(), 1, head.size(), pFile.get());
     if (std::ferror(pFile.get()) != 0) {
-        return Failed(SystemText(errno));
+        return Failed(SystemText());
     }
     const Loader load = LoaderFor({head.data(), nHead});
     if (load == nullptr) {
@@ -102,101 +107,15 @@ LoadedPicture LoadOpened(const std::filesystem::path& path) {
     return load(pFile.get());
 }
 
-// A new file beside a target, which takes the target's place when it is complete and vanishes when
-// it is not.
-class Replacement {
-public:
-    explicit Replacement(std::filesystem::path target) : m_target(std::move(target)) {}
-    ~Replacement() {
-        m_pFile.reset();
-        if (!m_temporary.empty()) {
-            unlink(m_temporary.c_str());
-        }
+// Reads the finished file back: what a library says of its work is not proof enough to give up an old file.
+std::string FaultOfFinished(const std::filesystem::path& path, const DibView& view) {
+    LoadedPicture picture = LoadOpened(path);
+    const std::optional<DibView> back = DibView::Open(picture.block);
+    if (!back.has_value()) {
+        return picture.error;
     }
-    Replacement(const Replacement&) = delete;
-    Replacement& operator=(const Replacement&) = delete;
-
-    std::string Open();
-    std::string Commit();
-    std::FILE* File() const noexcept { return m_pFile.get(); }
-
-private:
-    std::string CheckTarget();
-    int Create();
-
-    std::filesystem::path m_target;
-    std::filesystem::path m_temporary;  // empty while there is none
-    FileHandle m_pFile;
-    mode_t m_mode = 0666;  // of the new file, less what the process masks out
-    bool m_bKeepMode = false;
-};
-
-// Follows links, so that the file they lead to is replaced and not the link.
-std::string Replacement::CheckTarget() {
-    std::error_code error;
-    if (std::filesystem::is_symlink(m_target, error)) {
-        m_target = std::filesystem::weakly_canonical(m_target, error);
-        if (error) {
-            return error.message();
-        }
-    }
-    struct stat status {};
-    if (stat(m_target.c_str(), &status) != 0) {
-        return {};
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return S_ISDIR(status.st_mode) ? SystemText(EISDIR) : "not a regular file";
-    }
-    m_mode = status.st_mode & 0777U;
-    m_bKeepMode = true;
-    return access(m_target.c_str(), W_OK) == 0 ? std::string() : SystemText(errno);
-}
-
-int Replacement::Create() {
-    static std::atomic<unsigned> s_nCounter{0};
-    constexpr int kAttempts = 100;
-    int nDescriptor = -1;
-    for (int i = 0; i < kAttempts && nDescriptor < 0; ++i) {
-        const std::string name = ".picture-" + std::to_string(getpid()) + "-" + std::to_string(s_nCounter++) + ".tmp";
-        const std::filesystem::path candidate = m_target.parent_path() / name;
-        nDescriptor = open(candidate.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, m_mode);
-        if (nDescriptor >= 0) {
-            m_temporary = candidate;
-        } else if (errno != EEXIST) {
-            break;
-        }
-    }
-    return nDescriptor;
-}
-
-std::string Replacement::Open() {
-    if (std::string error = CheckTarget(); !error.empty()) {
-        return error;
-    }
-    const int nDescriptor = Create();
-    if (nDescriptor < 0) {
-        return SystemText(errno);
-    }
-    if (m_bKeepMode) {
-        fchmod(nDescriptor, m_mode);
-    }
-    m_pFile.reset(fdopen(nDescriptor, "w+b"));
-    if (m_pFile == nullptr) {
-        close(nDescriptor);
-        return "not enough memory";
-    }
-    return {};
-}
-
-std::string Replacement::Commit() {
-    if (std::ferror(m_pFile.get()) != 0 || std::fflush(m_pFile.get()) != 0 || fsync(fileno(m_pFile.get())) != 0) {
-        return SystemText(errno);
-    }
-    if (std::fclose(m_pFile.release()) != 0 || std::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
-        return SystemText(errno);
-    }
-    m_temporary.clear();
-    return {};
+    const bool bSameSize = back->Width() == view.Width() && back->Height() == view.Height();
+    return bSameSize ? std::string() : "the picture has not arrived in the file";
 }
 
 std::string SaveChecked(const std::filesystem::path& path, std::span<const std::byte> block) {
@@ -211,15 +130,25 @@ std::string SaveChecked(const std::filesystem::path& path, std::span<const std::
     if (!IsReadableDepth(view->BitCount())) {
         return "a picture of " + std::to_string(view->BitCount()) + " bits per pixel cannot be written";
     }
-    Replacement replacement(path);
-    std::string error = replacement.Open();
-    if (error.empty()) {
-        error = save(replacement.File(), SourceBlock{block, *view});
-    }
-    return error.empty() ? replacement.Commit() : error;
+    return SaveBy(path, SourceBlock{block, *view}, save);
 }
 
 }  // namespace
+
+std::string SaveBy(const std::filesystem::path& path, const SourceBlock& source, Saver save) {
+    NewFile file(path);
+    std::string error;
+    if (file.Create()) {
+        error = save(file, source);
+    }
+    if (error.empty() && file.Finish()) {
+        error = FaultOfFinished(file.Path(), source.view);
+    }
+    if (error.empty()) {
+        file.Commit();
+    }
+    return file.Error() != 0 ? SystemText(file.Error()) : error;  // a library's words say less
+}
 
 LoadedPicture LoadPicture(const std::filesystem::path& path) {
     try {

@@ -41,6 +41,11 @@ std::string SystemText(DWORD nError) {
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return "the disk is full";
+        case ERROR_FILE_TOO_LARGE:
+        case ERROR_GEN_FAILURE:  // a write that is refused without a reason
+        case ERROR_IO_DEVICE:
+        case ERROR_WRITE_FAULT:
+            return "the disk is full or cannot be written to";
         default:
             return "system error " + std::to_string(nError);
     }

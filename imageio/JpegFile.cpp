@@ -208,9 +208,39 @@ Density CloserDensity(const DibFigures& figures) {
     return bNone ? Density{} : closer;
 }
 
+// Where the library puts its bytes: a buffer, which goes out whenever it is full, and at the end.
+class JpegTarget : public jpeg_destination_mgr {
+public:
+    explicit JpegTarget(NewFile& file) : jpeg_destination_mgr{}, m_file(file) {
+        init_destination = [](j_compress_ptr codec) { TargetOf(codec).Clear(); };
+        empty_output_buffer = [](j_compress_ptr codec) -> boolean {
+            TargetOf(codec).Send(codec, kBytes);
+            return TRUE;
+        };
+        term_destination = [](j_compress_ptr codec) { TargetOf(codec).Send(codec, kBytes - codec->dest->free_in_buffer); };
+    }
+
+private:
+    static JpegTarget& TargetOf(j_compress_ptr codec) { return *static_cast<JpegTarget*>(codec->dest); }
+    void Clear() {
+        next_output_byte = m_buffer.data();
+        free_in_buffer = kBytes;
+    }
+    void Send(j_compress_ptr codec, std::size_t nBytes) {
+        if (!m_file.Write(m_buffer.data(), nBytes)) {
+            GuardOf(reinterpret_cast<j_common_ptr>(codec)).Raise("the file takes no more");
+        }
+        Clear();
+    }
+
+    static constexpr std::size_t kBytes = 16384;
+    NewFile& m_file;
+    std::array<JOCTET, kBytes> m_buffer{};
+};
+
 class JpegWriter {
 public:
-    JpegWriter(std::FILE* pFile, const DibView& view);
+    JpegWriter(NewFile& file, const DibView& view);
     ~JpegWriter() { jpeg_destroy_compress(&m_codec); }
     JpegWriter(const JpegWriter&) = delete;
     JpegWriter& operator=(const JpegWriter&) = delete;
@@ -222,7 +252,7 @@ private:
     void SetParameters();
     void FillRow(std::uint32_t y) noexcept;
 
-    std::FILE* m_pFile;
+    JpegTarget m_target;
     const DibView& m_view;
     std::array<Colour, 256> m_colours;
     bool m_bGrey;  // every colour of the table is a grey
@@ -233,8 +263,8 @@ private:
     std::vector<std::uint8_t> m_row;
 };
 
-JpegWriter::JpegWriter(std::FILE* pFile, const DibView& view)
-    : m_pFile(pFile), m_view(view), m_colours(view.Palette()), m_indices(static_cast<std::size_t>(view.Width())) {
+JpegWriter::JpegWriter(NewFile& file, const DibView& view)
+    : m_target(file), m_view(view), m_colours(view.Palette()), m_indices(static_cast<std::size_t>(view.Width())) {
     const auto isGrey = [](const Colour& c) { return c.red == c.green && c.green == c.blue; };
     m_bGrey = view.BitCount() <= 8 && std::all_of(m_colours.begin(), m_colours.end(), isGrey);
     m_row.resize(static_cast<std::size_t>(view.Width()) * (m_bGrey ? 1 : 3));
@@ -276,7 +306,7 @@ void JpegWriter::FillRow(std::uint32_t y) noexcept {
 
 void JpegWriter::WriteAll() {
     jpeg_create_compress(&m_codec);
-    jpeg_stdio_dest(&m_codec, m_pFile);
+    m_codec.dest = &m_target;
     SetParameters();
     jpeg_start_compress(&m_codec, TRUE);
     while (m_codec.next_scanline < m_codec.image_height) {
@@ -298,8 +328,8 @@ LoadedPicture LoadJpeg(std::FILE* pFile) {
     return JpegReader(pFile).Read();
 }
 
-std::string SaveJpeg(std::FILE* pFile, const SourceBlock& source) {
-    return JpegWriter(pFile, source.view).Write();
+std::string SaveJpeg(NewFile& file, const SourceBlock& source) {
+    return JpegWriter(file, source.view).Write();
 }
 
 }  // namespace width

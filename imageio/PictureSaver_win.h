@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <span>
 
 #include "imageio/Wic_win.h"
@@ -35,5 +36,9 @@ SaveFault FaultOf(const DibView& view, WicFile kind) noexcept;
 /// block    one that CheckPackedDib accepts
 SaveResult SavePictureAs(const std::filesystem::path& path, std::span<const std::byte> block, WicFile kind,
                          const WicStyle& style) noexcept;
+
+/// Has an encoder make a new file, reads that back, and puts it in the target's place.
+using Encoder = std::function<SaveResult(NewFile& file)>;
+SaveResult SaveBy(const std::filesystem::path& path, const DibView& view, WicFile kind, const Encoder& encode);
 
 }  // namespace width

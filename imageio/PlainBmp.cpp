@@ -200,7 +200,7 @@ std::optional<std::vector<std::byte>> ReadWithOrdinaryHeader(std::FILE* pFile, c
     return bRead ? std::optional(std::move(file)) : std::nullopt;
 }
 
-std::string SaveBmp(std::FILE* pFile, const SourceBlock& source) {
+std::string SaveBmp(NewFile& file, const SourceBlock& source) {
     const DibFigures& figures = source.view.Figures();
     const std::uint64_t nFileBytes = kFileHeader + std::uint64_t{figures.nBytes};
     if (nFileBytes > std::numeric_limits<std::uint32_t>::max()) {
@@ -216,8 +216,7 @@ std::string SaveBmp(std::FILE* pFile, const SourceBlock& source) {
     std::memcpy(head.data() + 10, &nOffset, sizeof nOffset);
     std::memcpy(head.data() + kFileHeader, &info, sizeof info);
     const auto rest = source.block.subspan(kInfoHeader, figures.nBytes - kInfoHeader);
-    const bool bDone = std::fwrite(head.data(), 1, head.size(), pFile) == head.size() &&
-                       std::fwrite(rest.data(), 1, rest.size(), pFile) == rest.size();
+    const bool bDone = file.Write(head.data(), head.size()) && file.Write(rest.data(), rest.size());
     return bDone ? std::string() : "the BMP picture cannot be written";
 }
 

@@ -246,9 +246,17 @@ LoadedPicture PngReader::Read() {
     return m_builder.Finish();
 }
 
+void WriteBytes(png_structp png, png_bytep pBytes, png_size_t nBytes) {
+    if (!static_cast<NewFile*>(png_get_io_ptr(png))->Write(pBytes, nBytes)) {
+        png_error(png, "the file takes no more");
+    }
+}
+
+void Flush(png_structp) {}  // nothing is held back
+
 class PngWriter {
 public:
-    PngWriter(std::FILE* pFile, const DibView& view) : m_pFile(pFile), m_view(view) {}
+    PngWriter(NewFile& file, const DibView& view) : m_file(file), m_view(view) {}
     ~PngWriter() { png_destroy_write_struct(&m_png, &m_info); }
     PngWriter(const PngWriter&) = delete;
     PngWriter& operator=(const PngWriter&) = delete;
@@ -262,7 +270,7 @@ private:
     void WriteResolution();
     const std::uint8_t* FileRow(std::uint32_t y) noexcept;
 
-    std::FILE* m_pFile;
+    NewFile& m_file;
     const DibView& m_view;
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
@@ -313,7 +321,7 @@ void PngWriter::WriteAll() {
     const auto nHeight = static_cast<png_uint_32>(m_view.Height());
     const int nColourType = ColourType();
     png_set_user_limits(m_png, kMaxSide, kMaxSide);
-    png_init_io(m_png, m_pFile);
+    png_set_write_fn(m_png, &m_file, WriteBytes, Flush);
     png_set_IHDR(m_png, m_info, nWidth, nHeight, std::min<int>(m_view.BitCount(), 8), nColourType, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (nColourType == PNG_COLOR_TYPE_PALETTE) {
@@ -343,8 +351,8 @@ LoadedPicture LoadPng(std::FILE* pFile) {
     return PngReader(pFile).Read();
 }
 
-std::string SavePng(std::FILE* pFile, const SourceBlock& source) {
-    return PngWriter(pFile, source.view).Write();
+std::string SavePng(NewFile& file, const SourceBlock& source) {
+    return PngWriter(file, source.view).Write();
 }
 
 }  // namespace width

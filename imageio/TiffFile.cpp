@@ -1,4 +1,4 @@
-// TIFF, by libtiff. Grey, palette and colour pictures with their samples side by side are read row
+// Reading TIFF, by libtiff. Grey, palette and colour pictures with their samples side by side are read row
 // by row, or tile by tile, and keep their depth; every other kind (planes, inks, chroma, alpha, odd
 // depths) is left to the library's own conversion and becomes 24 bits over white. Rows stay in the
 // order in which they are stored, whatever the orientation mark says. The first picture of a file counts.
@@ -49,8 +49,9 @@ struct CloseTiff {
 };
 using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 
-// Opens over a duplicate of the file's descriptor, which the library closes. Null on failure.
-TiffHandle OpenTiff(std::FILE* pFile, const char* pMode, Complaints& complaints) {
+// Opens over a duplicate of the file's descriptor, which the library closes; unmapped, since the file may shrink
+// meanwhile. Null on failure.
+TiffHandle OpenTiff(std::FILE* pFile, Complaints& complaints) {
     const std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> pOptions(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
     if (pOptions == nullptr) {
         return nullptr;
@@ -63,7 +64,7 @@ TiffHandle OpenTiff(std::FILE* pFile, const char* pMode, Complaints& complaints)
         return nullptr;
     }
     lseek(nDescriptor, 0, SEEK_SET);  // the stream may have read ahead
-    TiffHandle pTiff(TIFFFdOpenExt(nDescriptor, "picture", pMode, pOptions.get()));
+    TiffHandle pTiff(TIFFFdOpenExt(nDescriptor, "picture", "rm", pOptions.get()));
     if (pTiff == nullptr) {
         close(nDescriptor);
     }
@@ -303,71 +304,11 @@ LoadedPicture ReadConverted(TIFF* pTiff, const TiffLayout& layout, const Complai
     return builder.Finish();
 }
 
-// Sets the fields in front of the rows. false when the library refuses one.
-bool WriteFields(TIFF* pTiff, const DibView& view, int nPhotometric) {
-    const bool bColour = nPhotometric == PHOTOMETRIC_RGB;
-    return TIFFSetField(pTiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(view.Width())) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(view.Height())) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_BITSPERSAMPLE, bColour ? 8 : static_cast<int>(view.BitCount())) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_SAMPLESPERPIXEL, bColour ? 3 : 1) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_PHOTOMETRIC, nPhotometric) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) != 0 &&
-           TIFFSetField(pTiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(pTiff, 0)) != 0;
-}
-
-void WriteResolution(TIFF* pTiff, const DibFigures& figures) {
-    const std::int32_t nX = std::max(figures.nXPelsPerMeter, 0);
-    const std::int32_t nY = std::max(figures.nYPelsPerMeter, 0);
-    if (nX > 0 || nY > 0) {
-        TIFFSetField(pTiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
-        TIFFSetField(pTiff, TIFFTAG_XRESOLUTION, nX / kCentimetersPerMeter);
-        TIFFSetField(pTiff, TIFFTAG_YRESOLUTION, nY / kCentimetersPerMeter);
-    }
-}
-
-bool WriteColourMap(TIFF* pTiff, const DibView& view) {
-    const std::array<Colour, 256> colours = view.Palette();
-    std::array<std::array<std::uint16_t, 256>, 3> maps{};
-    for (std::size_t i = 0; i < colours.size(); ++i) {
-        maps[0][i] = static_cast<std::uint16_t>(colours[i].red * 257);
-        maps[1][i] = static_cast<std::uint16_t>(colours[i].green * 257);
-        maps[2][i] = static_cast<std::uint16_t>(colours[i].blue * 257);
-    }
-    return TIFFSetField(pTiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data()) != 0;
-}
-
-int PhotometricFor(const DibView& view) {
-    if (view.BitCount() > 8) {
-        return PHOTOMETRIC_RGB;
-    }
-    if (HasGreyTable(view, false)) {
-        return PHOTOMETRIC_MINISBLACK;
-    }
-    return HasGreyTable(view, true) ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
-}
-
-bool WriteRows(TIFF* pTiff, const DibView& view) {
-    std::vector<std::uint8_t> row(view.Figures().nStride);
-    for (std::uint32_t y = 0; y < static_cast<std::uint32_t>(view.Height()); ++y) {
-        if (view.BitCount() > 8) {
-            CopyRgbRow(view, y, row.data());
-        } else {
-            std::ranges::copy(PictureRow(view, y), row.begin());
-        }
-        if (TIFFWriteScanline(pTiff, row.data(), y, 0) < 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
 }  // namespace
 
 LoadedPicture LoadTiff(std::FILE* pFile) {
     Complaints complaints;
-    const TiffHandle pTiff = OpenTiff(pFile, "rm", complaints);  // unmapped: the file may shrink meanwhile
+    const TiffHandle pTiff = OpenTiff(pFile, complaints);
     if (pTiff == nullptr) {
         return Damaged(complaints);
     }
@@ -380,20 +321,6 @@ LoadedPicture LoadTiff(std::FILE* pFile) {
     }
     return KeepsDepth(layout) ? ReadKeepingDepth(pTiff.get(), layout, complaints)
                               : ReadConverted(pTiff.get(), layout, complaints);
-}
-
-std::string SaveTiff(std::FILE* pFile, const SourceBlock& source) {
-    Complaints complaints;
-    TiffHandle pTiff = OpenTiff(pFile, "wm", complaints);
-    const int nPhotometric = PhotometricFor(source.view);
-    bool bDone = pTiff != nullptr && WriteFields(pTiff.get(), source.view, nPhotometric);
-    if (bDone) {
-        WriteResolution(pTiff.get(), source.view.Figures());
-        bDone = (nPhotometric != PHOTOMETRIC_PALETTE || WriteColourMap(pTiff.get(), source.view)) &&
-                WriteRows(pTiff.get(), source.view);
-    }
-    pTiff.reset();  // writes what is still held back
-    return bDone && !complaints.Any() ? std::string() : WithDetail("the TIFF picture cannot be written", complaints.Text());
 }
 
 }  // namespace width

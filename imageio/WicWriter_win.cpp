@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "imageio/FileStream_win.h"
 #include "imageio/Wic_win.h"
 
 namespace width {
@@ -62,7 +63,7 @@ public:
     WicWriter(IWICImagingFactory& factory, const DibView& view, WicFile kind, const WicStyle& style)
         : m_factory(factory), m_view(view), m_file(kind), m_style(style), m_plan(PlanFor(view, kind)) {}
 
-    HRESULT Write(const std::filesystem::path& path);
+    HRESULT Write(NewFile& file);
 
 private:
     /// Keeps the first failure.
@@ -72,7 +73,7 @@ private:
         }
         return SUCCEEDED(nResult);
     }
-    bool Open(const std::filesystem::path& path);
+    bool Open(NewFile& file);
     bool SetOptions(IPropertyBag2& options);
     bool SetFigures();
     bool SetResolution();
@@ -86,7 +87,7 @@ private:
     WicStyle m_style;
     WritePlan m_plan;
     std::array<Colour, 256> m_colours = m_view.Palette();
-    Com<IWICStream> m_pStream;
+    Com<IStream> m_pStream;
     Com<IWICBitmapEncoder> m_pEncoder;
     Com<IWICBitmapFrameEncode> m_pFrame;
     HRESULT m_nFailure = S_OK;
@@ -107,11 +108,8 @@ const GUID& ContainerOf(WicFile kind) {
     }
 }
 
-bool WicWriter::Open(const std::filesystem::path& path) {
-    m_pStream = MakeCom<IWICStream>([&](IWICStream** pp) { return m_factory.CreateStream(pp); });
-    if (m_pStream == nullptr || !Ok(m_pStream->InitializeFromFilename(path.c_str(), GENERIC_WRITE))) {
-        return false;
-    }
+bool WicWriter::Open(NewFile& file) {
+    m_pStream = MakeFileStream(file);
     m_pEncoder = MakeCom<IWICBitmapEncoder>(
         [&](IWICBitmapEncoder** pp) { return m_factory.CreateEncoder(ContainerOf(m_file), nullptr, pp); });
     if (m_pEncoder == nullptr || !Ok(m_pEncoder->Initialize(m_pStream.get(), WICBitmapEncoderNoCache))) {
@@ -225,17 +223,53 @@ bool WicWriter::WriteRows() {
     return true;
 }
 
-HRESULT WicWriter::Write(const std::filesystem::path& path) {
+HRESULT WicWriter::Write(NewFile& file) {
     const bool bDone =
-        Open(path) && SetFigures() && SetTable() && WriteRows() && Ok(m_pFrame->Commit()) && Ok(m_pEncoder->Commit());
+        Open(file) && SetFigures() && SetTable() && WriteRows() && Ok(m_pFrame->Commit()) && Ok(m_pEncoder->Commit());
     return bDone || FAILED(m_nFailure) ? m_nFailure : E_FAIL;
+}
+
+// Many rows a call, because a decoder may begin anew with every call; no picture written here has more than four bytes a pixel.
+HRESULT ReadRows(IWICBitmapSource& picture, UINT nWidth, UINT nHeight) {
+    constexpr std::uint64_t kBandBytes = std::uint64_t{64} << 20;
+    const std::uint64_t nStride = std::uint64_t{4} * nWidth;
+    const auto nBandRows = static_cast<UINT>(std::clamp<std::uint64_t>(kBandBytes / nStride, 1, nHeight));
+    std::vector<BYTE> band(static_cast<std::size_t>(nStride * nBandRows));
+    HRESULT nResult = S_OK;
+    for (UINT nTop = 0; SUCCEEDED(nResult) && nTop < nHeight; nTop += nBandRows) {
+        const UINT nRows = std::min(nBandRows, nHeight - nTop);
+        const WICRect rc{0, static_cast<INT>(nTop), static_cast<INT>(nWidth), static_cast<INT>(nRows)};
+        nResult = picture.CopyPixels(&rc, static_cast<UINT>(nStride), static_cast<UINT>(nStride * nRows), band.data());
+    }
+    return nResult;
 }
 
 }  // namespace
 
-HRESULT SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind, const WicStyle& style) {
+HRESULT SaveWic(NewFile& file, const SourceBlock& source, WicFile kind, const WicStyle& style) {
     const Com<IWICImagingFactory> pFactory = MakeWicFactory();
-    return pFactory == nullptr ? REGDB_E_CLASSNOTREG : WicWriter(*pFactory, source.view, kind, style).Write(path);
+    return pFactory == nullptr ? REGDB_E_CLASSNOTREG : WicWriter(*pFactory, source.view, kind, style).Write(file);
+}
+
+HRESULT ReadBackWic(const std::filesystem::path& path, const DibView& view) {
+    const Com<IWICImagingFactory> pFactory = MakeWicFactory();
+    if (pFactory == nullptr) {
+        return REGDB_E_CLASSNOTREG;
+    }
+    HRESULT nResult = S_OK;
+    const auto pDecoder = MakeCom<IWICBitmapDecoder>([&](IWICBitmapDecoder** pp) {
+        return nResult =
+                   pFactory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand, pp);
+    });
+    const auto pFrame = MakeCom<IWICBitmapFrameDecode>(
+        [&](IWICBitmapFrameDecode** pp) { return pDecoder != nullptr ? nResult = pDecoder->GetFrame(0, pp) : nResult; });
+    UINT nWidth = 0;
+    UINT nHeight = 0;
+    if (pFrame == nullptr || FAILED(nResult = pFrame->GetSize(&nWidth, &nHeight))) {
+        return nResult;
+    }
+    const bool bSameSize = nWidth == static_cast<UINT>(view.Width()) && nHeight == static_cast<UINT>(view.Height());
+    return bSameSize ? ReadRows(*pFrame, nWidth, nHeight) : HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
 }
 
 }  // namespace width

@@ -75,9 +75,13 @@ struct WicStyle {
     bool bPngInterlaced = false;
 };
 
-/// Writes a block to a file that is there already and gets new contents. Within a ComScope.
+/// Writes a block to an empty file. Within a ComScope.
 /// kind      not Bmp, and one that can hold the picture
-/// returns   a failure code of the component, or success
-HRESULT SaveWic(const std::filesystem::path& path, const SourceBlock& source, WicFile kind, const WicStyle& style);
+/// returns   a failure code of the component, or success, which does not say that every write went well: the file does
+HRESULT SaveWic(NewFile& file, const SourceBlock& source, WicFile kind, const WicStyle& style);
+
+/// Reads all rows of a file that was written from a block, and drops them. Within a ComScope.
+/// returns   a failure code of the component, HRESULT_FROM_WIN32(ERROR_WRITE_FAULT) for a picture of another size, or success
+HRESULT ReadBackWic(const std::filesystem::path& path, const DibView& view);
 
 }  // namespace width

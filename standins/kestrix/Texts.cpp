@@ -42,6 +42,11 @@ Words WordsOfSystem(DWORD nError) noexcept {
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return {L"The disk is full.", L"磁盘已满。"};
+        case ERROR_FILE_TOO_LARGE:
+        case ERROR_GEN_FAILURE:  // a write that is refused without a reason
+        case ERROR_IO_DEVICE:
+        case ERROR_WRITE_FAULT:
+            return {L"The disk is full or can't be written to.", L"磁盘已满或无法写入。"};
         default:
             return {L"The system reports an error.", L"系统报告错误。"};
     }

@@ -60,11 +60,15 @@ void MakeFile(const std::wstring& path) {
     std::ofstream(std::filesystem::path(path)) << "old";
 }
 
-SaveDialog::SaveDialog(const PluginJob& job, UINT nCommand) {
-    ::PostMessageW(job.Frame(), WM_COMMAND, nCommand, 0);
+SaveDialog::SaveDialog(const PluginJob& job, UINT nCommand) : SaveDialog(job.Frame(), nCommand) {
+    WaitFor([&] { return OptionButton() != nullptr; });
+}
+
+SaveDialog::SaveDialog(HWND hFrame, UINT nCommand) {
+    ::PostMessageW(hFrame, WM_COMMAND, nCommand, 0);
     WaitFor([&] {
         m_hDlg = FindTopWindow(0, L"#32770");
-        return m_hDlg != nullptr && ::GetDlgItem(m_hDlg, kTypeCombo) != nullptr && OptionButton() != nullptr;
+        return m_hDlg != nullptr && ::GetDlgItem(m_hDlg, kTypeCombo) != nullptr;
     });
 }
 

@@ -24,6 +24,8 @@ class SaveDialog {
 public:
     /// Gives the command and waits until the dialog has been laid out.
     SaveDialog(const PluginJob& job, UINT nCommand);
+    /// The same for another program's dialog.
+    SaveDialog(HWND hFrame, UINT nCommand);
 
     HWND m_hDlg = nullptr;
 

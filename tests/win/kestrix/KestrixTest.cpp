@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "imageio/ImageIo.h"
+#include "imageio/PictureSaver_win.h"
 #include "standins/kestrix/resource.h"
 #include "tests/support/WinDriver.h"
 #include "tests/win/kestrix/Library.h"
@@ -137,6 +138,35 @@ TEST_F(KestrixLibrary, FailuresSayWhyAndLeaveOldFilesWhole) {
                 inUse == words(L"You may not write there.", L"没有写入权限。"));
     CloseHandle(hUser);
     EXPECT_TRUE(SaveTo(old, TestPicture(40, 30, 8, false), kPng)) << "given free again";
+}
+
+TEST_F(KestrixLibrary, AnEncoderThatClaimsToHaveDoneItsWorkIsNotBelieved) {
+    const auto block = TestPicture(40, 30, 8, true), other = TestPicture(40, 29, 8, true);
+    const DibView view = *DibView::Open(block);
+    const auto target = folder / L"a";
+    const std::pair<WicFile, std::int32_t> kinds[] = {
+        {WicFile::Bmp, kBmp}, {WicFile::Png, kPng}, {WicFile::Jpeg, kJpeg}, {WicFile::Tiff, kTiff}, {WicFile::Gif, kGif}};
+    for (const auto& [kind, nFormat] : kinds) {
+        ASSERT_TRUE(SaveTo(target, other, nFormat));
+        const std::string old = Contents(target);
+        ASSERT_TRUE(SaveTo(folder / L"whole", block, nFormat));
+        const std::string whole = Contents(folder / L"whole");
+        std::filesystem::remove(folder / L"whole");
+        const auto fault = [&, kind = kind](const std::string& written) {
+            const Encoder encode = [&](NewFile& file) {
+                file.Write(written.data(), written.size());
+                return SaveResult{};
+            };
+            return SaveBy(target, view, kind, encode).fault;
+        };
+        for (const std::string& written : {std::string(), whole.substr(0, whole.size() / 2), old}) {
+            EXPECT_NE(fault(written), SaveFault::None) << nFormat << ", " << written.size() << " bytes";
+            EXPECT_EQ(Contents(target), old);
+            EXPECT_EQ(Names(), std::vector<std::wstring>{L"a"});
+        }
+        EXPECT_EQ(fault(whole), SaveFault::None) << nFormat;
+        EXPECT_EQ(Contents(target), whole);
+    }
 }
 
 TEST_F(KestrixLibrary, TheOptionsDialogKeepsWhatWasChosen) {
