@@ -1,8 +1,9 @@
 // Writes pictures with the image library, for another program to read: tests/win/kestrix/read-back.
 //   kestrix_files FOLDER           every format and depth that it takes, each with NAME.rgb, the rows as red, green, blue
-//   kestrix_files FILE             one large picture
-//   kestrix_files FILE forever     two large pictures in turn, until somebody ends the program
+//   kestrix_files FILE             two pictures, one over the other, in the format of the ending
+//   kestrix_files FILE forever     the same in turn, until somebody ends the program
 // Status 1 when a save fails.
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <initializer_list>
@@ -54,11 +55,13 @@ int wmain(int nArguments, wchar_t** arguments) {
     if (std::filesystem::is_directory(target)) {
         return WriteAll(target) ? 0 : 1;
     }
-    constexpr std::int32_t kLarge = 1000;
+    const auto isEnding = [&](const char* pszEnding) { return target.extension().string() == std::string(".") + pszEnding; };
+    const auto nFormat = static_cast<std::int32_t>(std::ranges::find_if(kEndings, isEnding) - kEndings);
+    const std::vector<std::byte> pictures[] = {test::TestPicture(300, 200, 8, true), test::TestPicture(301, 200, 8, true)};
     bool bDone = true;
     do {
-        for (const bool bGrey : {true, false}) {
-            bDone = test::SaveTo(target, test::TestPicture(kLarge, kLarge, 8, bGrey), 1) && bDone;
+        for (const auto& picture : pictures) {
+            bDone = test::SaveTo(target, picture, nFormat) && bDone;
             std::puts("saved");
             std::fflush(stdout);
         }
